@@ -1,0 +1,28 @@
+# Compiler settings shared by every target of the project.
+
+function(zk64_warnings target)
+    target_compile_options(${target} PRIVATE
+        -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Wcast-align
+        -Wmissing-declarations -Wnull-dereference -Wdouble-promotion -Wformat=2)
+    if(ZK64_WARNINGS_AS_ERRORS)
+        target_compile_options(${target} PRIVATE -Werror)
+    endif()
+endfunction()
+
+# Settings of the library's own code: hidden symbols unless marked ZK_API.
+function(zk64_library_settings target)
+    zk64_warnings(${target})
+    set_target_properties(${target} PROPERTIES
+        POSITION_INDEPENDENT_CODE ON
+        CXX_VISIBILITY_PRESET hidden
+        VISIBILITY_INLINES_HIDDEN ON)
+endfunction()
+
+if(ZK64_SANITIZERS)
+    add_compile_options(-fsanitize=${ZK64_SANITIZERS} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+    add_link_options(-fsanitize=${ZK64_SANITIZERS})
+endif()
+
+# Every executable and DLL in one folder, so that Wine finds zk64.dll next to
+# the test programs.
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)

@@ -1,0 +1,42 @@
+#pragma once
+
+// The library's process-wide objects, all in one struct so that the language
+// fixes their order: members are constructed in declaration order when the
+// library loads and destroyed in reverse when it unloads. The order is part
+// of the library's behaviour; never reorder, and give a new global a new
+// slot at the end.
+//
+// Slots owned by subsystems that do not exist yet hold a ReservedGlobal, so
+// that the slots after them keep their place; each is replaced by the real
+// type when its subsystem lands.
+
+#include <sstream>
+#include <string>
+#include <unordered_map>
+
+#include "../ZKContainer.h"
+#include "../ZKString.h"
+
+namespace zk64::detail {
+
+struct ReservedGlobal {};
+
+struct LibraryGlobals {
+    LibraryGlobals();
+
+    ReservedGlobal directoryWatchLock;    //  1 ZKMutex: directory watching's lock
+    ReservedGlobal directoryWatchWorker;  //  2 ZKThread: directory watching's worker
+    ReservedGlobal watchedDirectories;    //  3 ZKContainer<DirChangeStruct>
+    ZKString machineIdCache;              //  4 GenerateUniqueMachineID's cached result
+    ZKContainer<void*> reservedPointers;  //  5 built and destroyed, never used
+    std::unordered_map<std::string, std::string> programArgs;  //  6 LoadProgramArgs' table
+    ZKContainer<ZKString> searchExclusions;  //  7 directories that searches skip
+    std::stringstream logBuffer;             //  8 what __FOUT__ buffers
+    ZKString logBaseName;                    //  9 "SYSLOG"
+    ZKString logDirectory;                   // 10 "../logs/"
+    ZKString logExtension;                   // 11 ".log"
+};
+
+extern LibraryGlobals globals;
+
+}  // namespace zk64::detail

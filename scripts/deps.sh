@@ -1,0 +1,25 @@
+#!/usr/bin/env bash
+# Installs the Debian packages the build needs and that are missing.
+#   scripts/deps.sh linux   native Linux build, tests and benchmarks
+#   scripts/deps.sh all     also the Windows cross-build and Wine (default)
+set -euo pipefail
+
+profile=${1:-all}
+packages=(cmake ninja-build g++ make pkg-config googletest libgtest-dev libbenchmark-dev libtinyxml2-dev)
+if [ "$profile" = all ]; then
+    packages+=(g++-mingw-w64-x86-64-posix wine wine64 xvfb xauth)
+fi
+
+missing=()
+for package in "${packages[@]}"; do
+    if ! dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q "install ok installed"; then
+        missing+=("$package")
+    fi
+done
+[ ${#missing[@]} -eq 0 ] && exit 0
+
+echo "Installing: ${missing[*]}"
+sudo=()
+[ "$(id -u)" -ne 0 ] && sudo=(sudo)
+"${sudo[@]}" apt-get update -q
+DEBIAN_FRONTEND=noninteractive "${sudo[@]}" apt-get install -y -q "${missing[@]}"
