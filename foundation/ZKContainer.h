@@ -119,46 +119,49 @@ public:
     virtual bool Remove(unsigned long long index);
 
 private:
-    // Storage index of logical index `index`.
+    // Slot arithmetic. Every index below is turned into a storage index
+    // before it is used. The storage has exactly `capacity` slots except in
+    // two states: capacity 0 (one spare slot) and moved-from (one spare slot
+    // under the old counters). So an index below the storage size is the
+    // answer itself, and one comparison serves the common case; the rest
+    // folds in Fold*Slot.
+
+    // Storage index of logical index `index`: (frontSlot + index + 1) modulo
+    // the capacity.
     unsigned long long LogicalSlot(unsigned long long index) const
     {
-        unsigned long long slot = frontSlot + index + 1;
-        if (slot < maxItemCount) return slot;
-        return maxItemCount == 0 ? 0 : slot % maxItemCount;
+        unsigned long long const slot = frontSlot + index + 1;
+        return slot < items.size() ? slot : FoldLogicalSlot(slot);
     }
-    // An end index folded into [0, capacity): see the header comment.
+    // Storage index of a ring end index, which may be unwrapped: the
+    // capacity means slot 0, all ones means the slot before 0.
     unsigned long long EndSlot(unsigned long long slot) const
     {
-        if (slot < maxItemCount) return slot;
-        if (maxItemCount == 0) return 0;
-        if (slot == ~0ull) return maxItemCount - 1;
-        return slot % maxItemCount;
+        return slot < items.size() ? slot : FoldEndSlot(slot);
     }
-    // The slot after frontSlot and the slot before backSlot: the first and
-    // the last item of a non-empty ring.
-    unsigned long long FirstItemSlot() const
-    {
-        unsigned long long const slot = frontSlot + 1;  // all ones wraps to 0
-        return slot == maxItemCount ? 0 : EndSlot(slot);
-    }
+    // The first and the last item of a non-empty ring.
+    unsigned long long FirstItemSlot() const { return EndSlot(frontSlot + 1); }  // all ones + 1 is 0
     unsigned long long LastItemSlot() const
     {
         unsigned long long const slot = EndSlot(backSlot);
-        return slot == 0 ? maxItemCount - 1 : slot - 1;
+        return slot == 0 ? EndSlot(maxItemCount - 1) : slot - 1;
     }
-    // The element of a storage index; only a moved-from or capacity-0
-    // container has fewer storage slots than its capacity says.
-    T& Cell(unsigned long long slot)
+    unsigned long long FoldToStorage(unsigned long long slot) const
     {
-        if (slot >= items.size()) [[unlikely]] slot %= items.size();
-        return items[slot];
+        return slot < items.size() ? slot : slot % items.size();
     }
-    T const& Cell(unsigned long long slot) const
+    unsigned long long FoldLogicalSlot(unsigned long long slot) const
     {
-        if (slot >= items.size()) [[unlikely]] slot %= items.size();
-        return items[slot];
+        return maxItemCount == 0 ? 0 : FoldToStorage(slot % maxItemCount);
     }
-    bool GrowForPush();
+    unsigned long long FoldEndSlot(unsigned long long slot) const
+    {
+        if (maxItemCount == 0) return 0;
+        return FoldToStorage(slot == ~0ull ? maxItemCount - 1 : slot % maxItemCount);
+    }
+    // Step 1 of a push onto a full ring: grow, or say there is no room. Kept
+    // out of line so that the pushes themselves stay small enough to inline.
+    [[gnu::noinline]] bool GrowForPush();
     void ReserveLinear(unsigned long long maxItems);
     void ReserveByRepush(unsigned long long maxItems, bool resize);
 };
@@ -296,17 +299,22 @@ void ZKContainer<T>::ReserveLinear(unsigned long long maxItems)
     auto isTarget = [&](unsigned long long slot) { return n == m || (slot >= 1 && slot <= n); };
 
     std::vector<T> fresh(m);
+    unsigned long long source = n == 0 ? 0 : LogicalSlot(0);
+    unsigned long long target = 1 % m;
     for (unsigned long long i = 0; i < n; ++i) {
-        unsigned long long const source = LogicalSlot(i);
-        T& target = fresh[(i + 1) % m];
         // A source slot that survives untouched keeps its element, so that
         // one is copied; every other live element can be moved.
-        if (source < m && !isTarget(source)) target = items[source];
-        else target = std::move(items[source]);
+        if (source < m && !isTarget(source)) fresh[target] = items[source];
+        else fresh[target] = std::move(items[source]);
+        if (++source == oldSize) source = 0;
+        if (++target == m) target = 0;
     }
+    // Untouched surviving slots: slot 0 and those past the last item.
     unsigned long long const keep = oldSize < m ? oldSize : m;
-    for (unsigned long long slot = 0; slot < keep; ++slot)
-        if (!isTarget(slot)) fresh[slot] = std::move(items[slot]);
+    if (n < m && keep > 0) {
+        fresh[0] = std::move(items[0]);
+        if (keep > n + 1) std::move(items.begin() + (n + 1), items.begin() + keep, fresh.begin() + (n + 1));
+    }
     items.swap(fresh);
 
     maxItemCount = m;
@@ -316,22 +324,20 @@ void ZKContainer<T>::ReserveLinear(unsigned long long maxItems)
     else backSlot = (n + 1 == m) ? 0 : n + 1;
 }
 
-// Step 1 of every push: make room, or tell the caller there is none.
 template <class T>
 bool ZKContainer<T>::GrowForPush()
 {
-    if (itemCount != maxItemCount) return true;
     if ((flagsData & kAutoResizeBit) == 0) return false;
     Reserve(maxItemCount * 2);
     return itemCount != maxItemCount;  // doubling 0 stays 0
 }
 
 template <class T>
-unsigned long long ZKContainer<T>::PushFront(T const& item)
+inline unsigned long long ZKContainer<T>::PushFront(T const& item)
 {
-    if (!GrowForPush()) return kPushRefused;
+    if (itemCount == maxItemCount && !GrowForPush()) [[unlikely]] return kPushRefused;
     unsigned long long const slot = EndSlot(frontSlot);
-    Cell(slot) = item;
+    items[slot] = item;
     ++itemCount;
     if (slot != 0) frontSlot = slot - 1;
     else frontSlot = itemCount == maxItemCount ? ~0ull : maxItemCount - 1;
@@ -345,11 +351,11 @@ unsigned long long ZKContainer<T>::EmplaceFront()
 }
 
 template <class T>
-unsigned long long ZKContainer<T>::PushBack(T const& item)
+inline unsigned long long ZKContainer<T>::PushBack(T const& item)
 {
-    if (!GrowForPush()) return kPushRefused;
+    if (itemCount == maxItemCount && !GrowForPush()) [[unlikely]] return kPushRefused;
     unsigned long long const slot = EndSlot(backSlot);
-    Cell(slot) = item;
+    items[slot] = item;
     ++itemCount;
     backSlot = slot + 1;
     if (backSlot == maxItemCount && itemCount != maxItemCount) backSlot = 0;
@@ -366,12 +372,12 @@ template <class T>
 T ZKContainer<T>::PopFront() { T out = T(); PopFront(out); return out; }
 
 template <class T>
-bool ZKContainer<T>::PopFront(T& out)
+inline bool ZKContainer<T>::PopFront(T& out)
 {
     if (itemCount == 0) return false;
     frontSlot = FirstItemSlot();
     --itemCount;
-    out = Cell(frontSlot);
+    out = items[frontSlot];
     return true;
 }
 
@@ -379,12 +385,12 @@ template <class T>
 T ZKContainer<T>::PopBack() { T out = T(); PopBack(out); return out; }
 
 template <class T>
-bool ZKContainer<T>::PopBack(T& out)
+inline bool ZKContainer<T>::PopBack(T& out)
 {
     if (itemCount == 0) return false;
     backSlot = LastItemSlot();
     --itemCount;
-    out = Cell(backSlot);
+    out = items[backSlot];
     return true;
 }
 
@@ -392,10 +398,10 @@ template <class T>
 T ZKContainer<T>::PeekFront() const { T out = T(); PeekFront(out); return out; }
 
 template <class T>
-bool ZKContainer<T>::PeekFront(T& out) const
+inline bool ZKContainer<T>::PeekFront(T& out) const
 {
     if (itemCount == 0) return false;
-    out = Cell(FirstItemSlot());
+    out = items[FirstItemSlot()];
     return true;
 }
 
@@ -403,27 +409,27 @@ template <class T>
 T ZKContainer<T>::PeekBack() const { T out = T(); PeekBack(out); return out; }
 
 template <class T>
-bool ZKContainer<T>::PeekBack(T& out) const
+inline bool ZKContainer<T>::PeekBack(T& out) const
 {
     if (itemCount == 0) return false;
-    out = Cell(LastItemSlot());
+    out = items[LastItemSlot()];
     return true;
 }
 
 template <class T>
-T& ZKContainer<T>::GetItem(unsigned long long const& index)
+inline T& ZKContainer<T>::GetItem(unsigned long long const& index)
 {
-    return Cell(LogicalSlot(index));
+    return items[LogicalSlot(index)];
 }
 
 template <class T>
 T ZKContainer<T>::GetItem(unsigned long long const& index) const { T out = T(); GetItem(out, index); return out; }
 
 template <class T>
-bool ZKContainer<T>::GetItem(T& out, unsigned long long const& index) const
+inline bool ZKContainer<T>::GetItem(T& out, unsigned long long const& index) const
 {
     if (index >= itemCount) return false;
-    out = Cell(LogicalSlot(index));
+    out = items[LogicalSlot(index)];
     return true;
 }
 
@@ -431,7 +437,7 @@ template <class T>
 bool ZKContainer<T>::SetItem(T const& item, unsigned long long const& index)
 {
     if (itemCount == 0) return false;
-    Cell(LogicalSlot(index)) = item;
+    items[LogicalSlot(index)] = item;
     return true;
 }
 
@@ -445,11 +451,11 @@ bool ZKContainer<T>::Remove(unsigned long long index)
     unsigned long long const last = LastItemSlot();
     unsigned long long slot = LogicalSlot(index);
     while (slot != last) {
-        unsigned long long const next = slot + 1 == maxItemCount ? 0 : slot + 1;
-        Cell(slot) = Cell(next);
+        unsigned long long const next = EndSlot(slot + 1);
+        items[slot] = items[next];
         slot = next;
     }
-    Cell(back) = T();
+    items[back] = T();
     backSlot = last;
     return true;
 }

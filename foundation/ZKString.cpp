@@ -5,8 +5,11 @@
 
 #include "detail/Utf.h"
 
-// Exported: the declaration in ZKString.h carries ZK_API.
-template class ZKContainer<ZKString>;
+#if defined(_WIN32)
+template class ZK_API ZKContainer<ZKString>;
+#else
+template class ZKContainer<ZKString>;  // ZK_API comes with the extern declaration
+#endif
 
 namespace {
 

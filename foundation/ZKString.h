@@ -133,4 +133,10 @@ private:
     std::unique_ptr<std::string> stringData;
 };
 
+// Both libraries export this instantiation. mingw's GCC neither exports the
+// inline members of an exported template instantiation nor instantiates
+// them for a caller that declares it extern, so only non-Windows callers
+// take it from the library; Windows callers instantiate it themselves.
+#if !defined(_WIN32)
 extern template class ZK_API ZKContainer<ZKString>;
+#endif
