@@ -58,11 +58,11 @@ protected:
     unsigned long long itemCount;     // live items
     std::vector<T> items;             // storage; max(capacity, 1) slots
 
-public:
-    ZK_FLAGS_MEMBERS
-
     static constexpr unsigned long long kAutoResizeBit = 1;
     static constexpr unsigned long long kPushRefused = ~0ull;
+
+public:
+    ZK_FLAGS_MEMBERS
 
     ZKContainer();
     explicit ZKContainer(unsigned long long maxItems);
