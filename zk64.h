@@ -7,3 +7,4 @@
 #include "foundation/ZKFlags.h"
 #include "foundation/ZKContainer.h"
 #include "foundation/ZKString.h"
+#include "system/ZKSystem.h"

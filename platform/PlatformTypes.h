@@ -1,0 +1,64 @@
+#pragma once
+
+// The operating-system layer's vocabulary: the Win32 types its functions
+// use, declared without <windows.h> so that the logic above the layer
+// compiles everywhere. On Windows they are the very same types.
+
+#include <cstdint>
+
+namespace zk64::platform {
+
+#if defined(_WIN32)
+using DWORD = unsigned long;
+#else
+using DWORD = std::uint32_t;
+#endif
+using BOOL = int;
+using WORD = std::uint16_t;
+using ULONGLONG = std::uint64_t;
+using HANDLE = void*;
+
+
+// GetNativeSystemInfo's record, with the fields the library reads.
+struct NativeSystemInfo {
+    WORD wProcessorArchitecture = 0;
+    DWORD dwPageSize = 0;
+    void* lpMinimumApplicationAddress = nullptr;
+    void* lpMaximumApplicationAddress = nullptr;
+    std::uint64_t dwActiveProcessorMask = 0;
+    DWORD dwNumberOfProcessors = 0;
+    DWORD dwAllocationGranularity = 0;
+};
+
+// GlobalMemoryStatusEx's record: the same fields, in the same order and of
+// the same size (64 bytes), as MEMORYSTATUSEX.
+struct MemoryStatusEx {
+    std::uint32_t dwLength = 0;
+    std::uint32_t dwMemoryLoad = 0;
+    ULONGLONG ullTotalPhys = 0;
+    ULONGLONG ullAvailPhys = 0;
+    ULONGLONG ullTotalPageFile = 0;
+    ULONGLONG ullAvailPageFile = 0;
+    ULONGLONG ullTotalVirtual = 0;
+    ULONGLONG ullAvailVirtual = 0;
+    ULONGLONG ullAvailExtendedVirtual = 0;
+};
+static_assert(sizeof(MemoryStatusEx) == 64);
+
+// Values of the Win32 constants the layer's callers pass or compare.
+constexpr DWORD FORMAT_MESSAGE_ALLOCATE_BUFFER = 0x100;
+constexpr DWORD FORMAT_MESSAGE_IGNORE_INSERTS = 0x200;
+constexpr DWORD FORMAT_MESSAGE_FROM_SYSTEM = 0x1000;
+constexpr DWORD LANG_NEUTRAL_SUBLANG_DEFAULT = 0x400;
+
+constexpr WORD PROCESSOR_ARCHITECTURE_INTEL = 0;
+constexpr WORD PROCESSOR_ARCHITECTURE_ARM = 5;
+constexpr WORD PROCESSOR_ARCHITECTURE_IA64 = 6;
+constexpr WORD PROCESSOR_ARCHITECTURE_AMD64 = 9;
+constexpr WORD PROCESSOR_ARCHITECTURE_ARM64 = 12;
+
+constexpr DWORD ERROR_INVALID_PARAMETER = 87;
+constexpr DWORD ERROR_BUFFER_OVERFLOW = 111;
+constexpr DWORD ERROR_INSUFFICIENT_BUFFER = 122;
+
+}  // namespace zk64::platform

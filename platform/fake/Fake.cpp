@@ -1,0 +1,80 @@
+#include "Fake.h"
+
+#include <cstdio>
+#include <cstring>
+#include <mutex>
+
+namespace zk64::platform::fake {
+namespace {
+
+struct State {
+    std::mutex lock;
+    Calls calls;
+    SystemScript system;
+    FilesScript files;
+};
+
+// Built on first use: the fake has no start-up order to respect.
+State& Shared()
+{
+    static State state;
+    return state;
+}
+
+}  // namespace
+
+Calls TakeCalls()
+{
+    std::lock_guard<std::mutex> guard(Shared().lock);
+    Calls taken;
+    taken.swap(Shared().calls);
+    return taken;
+}
+
+SystemScript& System() { return Shared().system; }
+FilesScript& Files() { return Shared().files; }
+
+void Reset()
+{
+    {
+        std::lock_guard<std::mutex> guard(Shared().lock);
+        Shared().calls.clear();
+    }
+    Shared().system = SystemScript{};
+    Shared().files = FilesScript{};
+    SetLastErrorValue(0);
+}
+
+BOOL ReturnText(char const* text, char* buffer, DWORD* size, bool countTerminator)
+{
+    auto const needed = static_cast<DWORD>(std::strlen(text) + 1);
+    if (*size < needed) {
+        *size = needed;
+        return 0;
+    }
+    std::memcpy(buffer, text, needed);
+    *size = countTerminator ? needed : needed - 1;
+    return 1;
+}
+
+std::string Hex(unsigned long long value)
+{
+    char text[24];
+    std::snprintf(text, sizeof text, "0x%llx", value);
+    return text;
+}
+
+std::string Pointer(void const* value)
+{
+    return value == nullptr ? "null" : Hex(reinterpret_cast<unsigned long long>(value));
+}
+
+std::string Quoted(char const* text) { return text == nullptr ? "null" : "\"" + std::string(text) + "\""; }
+
+void Record(std::string call)
+{
+    std::lock_guard<std::mutex> guard(Shared().lock);
+    Shared().calls.push_back(std::move(call));
+}
+
+}  // namespace zk64::platform::fake
