@@ -45,20 +45,21 @@ struct MemoryStatusEx {
 };
 static_assert(sizeof(MemoryStatusEx) == 64);
 
-// Values of the Win32 constants the layer's callers pass or compare.
-constexpr DWORD FORMAT_MESSAGE_ALLOCATE_BUFFER = 0x100;
-constexpr DWORD FORMAT_MESSAGE_IGNORE_INSERTS = 0x200;
-constexpr DWORD FORMAT_MESSAGE_FROM_SYSTEM = 0x1000;
-constexpr DWORD LANG_NEUTRAL_SUBLANG_DEFAULT = 0x400;
+// Values of the Win32 constants the layer's callers pass or compare, named
+// apart from <windows.h>'s macros (the win32 backend checks they agree).
+constexpr DWORD kFormatMessageAllocateBuffer = 0x100;
+constexpr DWORD kFormatMessageIgnoreInserts = 0x200;
+constexpr DWORD kFormatMessageFromSystem = 0x1000;
+constexpr DWORD kLangNeutralSublangDefault = 0x400;
 
-constexpr WORD PROCESSOR_ARCHITECTURE_INTEL = 0;
-constexpr WORD PROCESSOR_ARCHITECTURE_ARM = 5;
-constexpr WORD PROCESSOR_ARCHITECTURE_IA64 = 6;
-constexpr WORD PROCESSOR_ARCHITECTURE_AMD64 = 9;
-constexpr WORD PROCESSOR_ARCHITECTURE_ARM64 = 12;
+constexpr WORD kProcessorArchitectureIntel = 0;
+constexpr WORD kProcessorArchitectureArm = 5;
+constexpr WORD kProcessorArchitectureIa64 = 6;
+constexpr WORD kProcessorArchitectureAmd64 = 9;
+constexpr WORD kProcessorArchitectureArm64 = 12;
 
-constexpr DWORD ERROR_INVALID_PARAMETER = 87;
-constexpr DWORD ERROR_BUFFER_OVERFLOW = 111;
-constexpr DWORD ERROR_INSUFFICIENT_BUFFER = 122;
+constexpr DWORD kErrorInvalidParameter = 87;
+constexpr DWORD kErrorBufferOverflow = 111;
+constexpr DWORD kErrorInsufficientBuffer = 122;
 
 }  // namespace zk64::platform

@@ -44,9 +44,9 @@ ZKString GetLastErrorMsg(unsigned long* code, ZKString const& prefix)
     if (code != nullptr) *code = error;
     char* buffer = nullptr;
     platform::DWORD const length = platform::FormatMessageA(
-        platform::FORMAT_MESSAGE_ALLOCATE_BUFFER | platform::FORMAT_MESSAGE_IGNORE_INSERTS |
-            platform::FORMAT_MESSAGE_FROM_SYSTEM,
-        nullptr, error, platform::LANG_NEUTRAL_SUBLANG_DEFAULT, reinterpret_cast<char*>(&buffer), 0, nullptr);
+        platform::kFormatMessageAllocateBuffer | platform::kFormatMessageIgnoreInserts |
+            platform::kFormatMessageFromSystem,
+        nullptr, error, platform::kLangNeutralSublangDefault, reinterpret_cast<char*>(&buffer), 0, nullptr);
     ZKString message;
     if (buffer != nullptr) message.SetString(buffer, static_cast<int>(length));
     if (prefix.IsNotEmpty()) {
@@ -106,10 +106,10 @@ unsigned long long GetSystemMinApplicationAddress()
 ProcessorArchitecture GetProcessorArchitecture()
 {
     switch (NativeInfo().wProcessorArchitecture) {
-    case platform::PROCESSOR_ARCHITECTURE_AMD64: return ProcessorArchitectureX64;
-    case platform::PROCESSOR_ARCHITECTURE_ARM: return ProcessorArchitectureARM;
-    case platform::PROCESSOR_ARCHITECTURE_IA64: return ProcessorArchitectureItanium;
-    case platform::PROCESSOR_ARCHITECTURE_INTEL: return ProcessorArchitectureX86;
+    case platform::kProcessorArchitectureAmd64: return ProcessorArchitectureX64;
+    case platform::kProcessorArchitectureArm: return ProcessorArchitectureARM;
+    case platform::kProcessorArchitectureIa64: return ProcessorArchitectureItanium;
+    case platform::kProcessorArchitectureIntel: return ProcessorArchitectureX86;
     default: return ProcessorArchitectureUnknown;
     }
 }

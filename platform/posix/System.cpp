@@ -63,7 +63,7 @@ BOOL CopyName(std::string const& text, char* buffer, DWORD* size, bool countTerm
     DWORD const needed = static_cast<DWORD>(text.size() + 1);
     if (buffer == nullptr || *size < needed) {
         *size = needed;
-        errno = ERANGE;  // Windows: ERROR_BUFFER_OVERFLOW or ERROR_INSUFFICIENT_BUFFER
+        errno = ERANGE;  // Windows: kErrorBufferOverflow or kErrorInsufficientBuffer
         return 0;
     }
     std::memcpy(buffer, text.c_str(), needed);
@@ -81,7 +81,7 @@ void SetLastError(DWORD code) { errno = static_cast<int>(code); }
 DWORD FormatMessageA(DWORD flags, void const* /*source*/, DWORD messageId, DWORD /*languageId*/, char* buffer,
                      DWORD /*size*/, void* /*arguments*/)
 {
-    constexpr DWORD kSupported = FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM;
+    constexpr DWORD kSupported = kFormatMessageAllocateBuffer | kFormatMessageFromSystem;
     if ((flags & kSupported) != kSupported || buffer == nullptr) {
         errno = EINVAL;
         return 0;
@@ -110,12 +110,12 @@ void GetNativeSystemInfo(NativeSystemInfo* info)
     utsname name{};
     uname(&name);
     std::string const machine = name.machine;
-    if (machine == "x86_64") info->wProcessorArchitecture = PROCESSOR_ARCHITECTURE_AMD64;
-    else if (machine == "aarch64" || machine == "arm64") info->wProcessorArchitecture = PROCESSOR_ARCHITECTURE_ARM64;
-    else if (machine.compare(0, 3, "arm") == 0) info->wProcessorArchitecture = PROCESSOR_ARCHITECTURE_ARM;
-    else if (machine == "ia64") info->wProcessorArchitecture = PROCESSOR_ARCHITECTURE_IA64;
+    if (machine == "x86_64") info->wProcessorArchitecture = kProcessorArchitectureAmd64;
+    else if (machine == "aarch64" || machine == "arm64") info->wProcessorArchitecture = kProcessorArchitectureArm64;
+    else if (machine.compare(0, 3, "arm") == 0) info->wProcessorArchitecture = kProcessorArchitectureArm;
+    else if (machine == "ia64") info->wProcessorArchitecture = kProcessorArchitectureIa64;
     else if (machine.size() == 4 && machine[0] == 'i' && machine.compare(2, 2, "86") == 0)
-        info->wProcessorArchitecture = PROCESSOR_ARCHITECTURE_INTEL;
+        info->wProcessorArchitecture = kProcessorArchitectureIntel;
     else info->wProcessorArchitecture = 0xFFFF;
 
     long const page = sysconf(_SC_PAGESIZE);

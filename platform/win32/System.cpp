@@ -8,6 +8,19 @@
 
 namespace zk64::platform {
 
+static_assert(kFormatMessageAllocateBuffer == FORMAT_MESSAGE_ALLOCATE_BUFFER);
+static_assert(kFormatMessageIgnoreInserts == FORMAT_MESSAGE_IGNORE_INSERTS);
+static_assert(kFormatMessageFromSystem == FORMAT_MESSAGE_FROM_SYSTEM);
+static_assert(kLangNeutralSublangDefault == MAKELANGID(LANG_NEUTRAL, SUBLANG_DEFAULT));
+static_assert(kProcessorArchitectureIntel == PROCESSOR_ARCHITECTURE_INTEL);
+static_assert(kProcessorArchitectureArm == PROCESSOR_ARCHITECTURE_ARM);
+static_assert(kProcessorArchitectureIa64 == PROCESSOR_ARCHITECTURE_IA64);
+static_assert(kProcessorArchitectureAmd64 == PROCESSOR_ARCHITECTURE_AMD64);
+static_assert(kProcessorArchitectureArm64 == PROCESSOR_ARCHITECTURE_ARM64);
+static_assert(kErrorInvalidParameter == ERROR_INVALID_PARAMETER);
+static_assert(kErrorBufferOverflow == ERROR_BUFFER_OVERFLOW);
+static_assert(kErrorInsufficientBuffer == ERROR_INSUFFICIENT_BUFFER);
+
 DWORD GetLastError() { return ::GetLastError(); }
 void SetLastError(DWORD code) { ::SetLastError(code); }
 
