@@ -7,4 +7,6 @@
 #include "foundation/ZKFlags.h"
 #include "foundation/ZKContainer.h"
 #include "foundation/ZKString.h"
+#include "diagnostics/ZKDebug.h"
+#include "diagnostics/ZKTraceContext.h"
 #include "system/ZKSystem.h"

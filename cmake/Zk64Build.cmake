@@ -3,7 +3,7 @@
 function(zk64_warnings target)
     target_compile_options(${target} PRIVATE
         -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Wcast-align
-        -Wmissing-declarations -Wnull-dereference -Wdouble-promotion -Wformat=2)
+        -Wmissing-declarations -Wdouble-promotion -Wformat=2)
     if(ZK64_WARNINGS_AS_ERRORS)
         target_compile_options(${target} PRIVATE -Werror)
     endif()

@@ -1,0 +1,64 @@
+#pragma once
+
+// The log buffer, name and path are process-wide: each test points the log
+// at a fresh directory of its own and reads the file back.
+
+#include <zk64/zk64.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+#include <string>
+
+// What WRITE_LOG_FILE leaves on disk for `text`. The file is written in
+// text mode, so on Windows every line feed becomes a carriage return and a
+// line feed.
+inline std::string OnDisk(std::string const& text)
+{
+#if defined(_WIN32)
+    std::string out;
+    for (char c : text) {
+        if (c == '\n') out += '\r';
+        out += c;
+    }
+    return out;
+#else
+    return text;
+#endif
+}
+
+class LogDirectory {
+public:
+    explicit LogDirectory(std::string const& name)
+        : path(std::filesystem::temp_directory_path() / ("zk64-log-" + name))
+    {
+        std::filesystem::remove_all(path);
+        std::filesystem::create_directories(path);
+        directory = path.generic_string() + "/";
+        SET_LOG_DIRECTORY(directory.c_str());
+        SET_LOG_FILENAME("test");
+        SET_LOG_FILE_EXT(".log");
+        CLEAR_LOG_FILE();
+    }
+    ~LogDirectory() { std::filesystem::remove_all(path); }
+
+    std::filesystem::path File() const { return path / "test.log"; }
+    std::string Read() const
+    {
+        std::ifstream in(File(), std::ios::binary);
+        return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+    }
+    // The buffer's whole history, as WRITE_LOG_FILE writes it onto an empty file.
+    std::string History() const
+    {
+        CLEAR_LOG_FILE();
+        WRITE_LOG_FILE();
+        std::string text = Read();
+        CLEAR_LOG_FILE();
+        return text;
+    }
+
+    std::filesystem::path path;
+    std::string directory;
+};
