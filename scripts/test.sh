@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Builds and runs every test: Linux native (with the installed-package
 # consumer test), Linux under AddressSanitizer and UndefinedBehaviorSanitizer,
-# and the Windows DLL under Wine. Ends with "N passed, M failed".
+# Linux under ThreadSanitizer, a bounded libFuzzer run of the PE reader, and
+# the Windows DLL under Wine. Ends with "N passed, M failed".
 set -uo pipefail
 cd "$(dirname "$0")/.."
 
@@ -53,7 +54,7 @@ run_preset() {
     rm -f "$log"
 }
 
-for preset in linux linux-asan windows; do
+for preset in linux linux-asan linux-tsan linux-fuzz windows; do
     run_preset "$preset"
 done
 

@@ -14,6 +14,8 @@
 #include <string>
 #include <unordered_map>
 
+#include "../../concurrency/ZKMutex.h"
+#include "../../concurrency/ZKThread.h"
 #include "../ZKContainer.h"
 #include "../ZKString.h"
 
@@ -24,8 +26,8 @@ struct ReservedGlobal {};
 struct LibraryGlobals {
     LibraryGlobals();
 
-    ReservedGlobal directoryWatchLock;    //  1 ZKMutex: directory watching's lock
-    ReservedGlobal directoryWatchWorker;  //  2 ZKThread: directory watching's worker
+    ZKMutex directoryWatchLock;           //  1 ZKMutex: directory watching's lock
+    ZKThread directoryWatchWorker;        //  2 ZKThread: directory watching's worker
     ReservedGlobal watchedDirectories;    //  3 ZKContainer<DirChangeStruct>
     ZKString machineIdCache;              //  4 GenerateUniqueMachineID's cached result
     ZKContainer<void*> reservedPointers;  //  5 built and destroyed, never used

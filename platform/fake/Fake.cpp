@@ -69,6 +69,8 @@ std::string Pointer(void const* value)
     return value == nullptr ? "null" : Hex(reinterpret_cast<unsigned long long>(value));
 }
 
+std::string Out(void const* value) { return value == nullptr ? "null" : "out"; }
+
 std::string Quoted(char const* text) { return text == nullptr ? "null" : "\"" + std::string(text) + "\""; }
 
 void Record(std::string call)

@@ -5,7 +5,8 @@
 //
 // Every platform call is recorded, in order, as text of the form
 // "Name(arg=value, ...)": numbers in decimal, flag words and addresses in
-// hexadecimal, null pointers as "null", texts in quotes. A test scripts what
+// hexadecimal, null pointers as "null", texts in quotes, out arguments as
+// "out" or "null". A test scripts what
 // an operation does by setting its std::function; an operation left unset
 // returns its failure value (0, FALSE, null) and touches nothing.
 //
@@ -66,6 +67,8 @@ BOOL ReturnText(char const* text, char* buffer, DWORD* size, bool countTerminato
 // Recording, for the fake operations themselves.
 std::string Hex(unsigned long long value);
 std::string Pointer(void const* value);
+// An out argument: "out" when given, "null" when not.
+std::string Out(void const* value);
 std::string Quoted(char const* text);
 void Record(std::string call);
 

@@ -9,9 +9,8 @@ BOOL GetVolumeInformationA(char const* rootPath, char* volumeName, DWORD volumeN
                            DWORD* maximumComponentLength, DWORD* fileSystemFlags, char* fileSystemName,
                            DWORD fileSystemNameSize)
 {
-    fake::Record("GetVolumeInformationA(root=" + fake::Quoted(rootPath) + ", volumeName=" +
-                 fake::Pointer(volumeName) + ", serial=" + fake::Pointer(serialNumber) +
-                 ", fileSystemName=" + fake::Pointer(fileSystemName) + ")");
+    fake::Record("GetVolumeInformationA(root=" + fake::Quoted(rootPath) + ", volumeName=" + fake::Out(volumeName) +
+                 ", serial=" + fake::Out(serialNumber) + ", fileSystemName=" + fake::Out(fileSystemName) + ")");
     auto& script = fake::Files().GetVolumeInformationA;
     return script ? script(rootPath, volumeName, volumeNameSize, serialNumber, maximumComponentLength,
                            fileSystemFlags, fileSystemName, fileSystemNameSize)

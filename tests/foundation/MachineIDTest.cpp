@@ -1,0 +1,98 @@
+// The machine identifier through the fake platform: which facts it asks
+// for, how it joins them, and when it asks again. The cache is process-wide,
+// so each test starts by asking for a length no other test leaves cached.
+
+#include <gtest/gtest.h>
+
+#include <zk64/zk64.h>
+
+#include <string>
+
+#include "platform/fake/Fake.h"
+
+namespace fake = zk64::platform::fake;
+using zk64::platform::BOOL;
+using zk64::platform::DWORD;
+
+namespace {
+
+// cpuid leaf 0 of an Intel processor: highest leaf 13, "GenuineIntel".
+// Halves: 0x000D + 0x0000 + 0x6547 + 0x756E + 0x6C65 + 0x4965 + 0x746E + 0x6E69
+// = 160611, which wraps to 29539.
+constexpr unsigned int kIntelLeaf0[4] = {0x0000000D, 0x756E6547, 0x6C65746E, 0x49656E69};
+
+// Serial 0x12345678: 0x1234 + 0x5678 = 26796.
+void ScriptMachine(char const* name)
+{
+    fake::Reset();
+    fake::System().GetComputerNameA = [name](char* buffer, DWORD* size) {
+        return fake::ReturnText(name, buffer, size, false);
+    };
+    fake::System().CpuId = [](unsigned int leaf, unsigned int registers[4]) {
+        if (leaf == 0)
+            for (int i = 0; i < 4; ++i) registers[i] = kIntelLeaf0[i];
+    };
+    fake::Files().GetVolumeInformationA = [](char const*, char*, DWORD, DWORD* serial, DWORD*, DWORD*, char*,
+                                             DWORD) {
+        *serial = 0x12345678;
+        return BOOL{1};
+    };
+}
+
+std::string Text(ZKString const& s) { return s.GetString(); }
+
+// What the identifier must be: the facts' text, repeated and cut to
+// `length`, then digested (HashString of a text of exactly `length` bytes is
+// its digest).
+std::string Expected(std::string facts, unsigned short length)
+{
+    while (facts.size() < length) facts += facts;
+    facts.resize(length);
+    return Text(HashString(facts.c_str(), length, false));
+}
+
+}  // namespace
+
+TEST(MachineID, AsksForTheThreeFactsInOrderAndDigestsTheirText)
+{
+    ScriptMachine("HOST");
+    ZKString const id = GenerateUniqueMachineID(40, false);
+    EXPECT_EQ(Text(id), Expected("HOST2953926796", 40));
+    EXPECT_EQ(id.GetSize(), 40);
+    EXPECT_EQ(fake::TakeCalls(),
+              (fake::Calls{"GetComputerNameA(size=1024)", "CpuId(leaf=0)",
+                           "GetVolumeInformationA(root=\"c:\\\", volumeName=null, serial=out, fileSystemName=null)"}));
+}
+
+TEST(MachineID, CachedPerLengthAndTheFlagHasNoEffect)
+{
+    ScriptMachine("CACHED");
+    ZKString const first = GenerateUniqueMachineID(9, false);
+    fake::TakeCalls();
+    EXPECT_TRUE(GenerateUniqueMachineID(9, true) == first);
+    EXPECT_TRUE(GenerateUniqueMachineID(9, false) == first);
+    EXPECT_TRUE(fake::TakeCalls().empty()) << "the cached value costs no system call";
+    EXPECT_EQ(Text(first), Expected("CACHED2953926796", 9)) << "a short identifier uses the name's first bytes";
+
+    GenerateUniqueMachineID(10, false);
+    EXPECT_EQ(fake::TakeCalls().size(), 3u) << "another length replaces the cache";
+    GenerateUniqueMachineID(9, false);
+    EXPECT_EQ(fake::TakeCalls().size(), 3u);
+}
+
+TEST(MachineID, LengthZeroIsEmptyAndNeverCached)
+{
+    ScriptMachine("ZERO");
+    EXPECT_TRUE(GenerateUniqueMachineID(0, false).IsEmpty());
+    EXPECT_TRUE(GenerateUniqueMachineID(0, false).IsEmpty());
+    EXPECT_EQ(fake::TakeCalls().size(), 6u) << "both calls asked the system";
+}
+
+TEST(MachineID, FailingFactsCountAsZeroAndTheLastNameIsKept)
+{
+    ScriptMachine("KEPT");
+    GenerateUniqueMachineID(11, false);
+    fake::Reset();  // every fact now fails: no name, cpuid zeros, no serial
+    EXPECT_EQ(Text(GenerateUniqueMachineID(12, false)), Expected("KEPT00", 12))
+        << "the name buffer lives on, the sums are 0";
+}

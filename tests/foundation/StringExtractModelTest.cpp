@@ -1,0 +1,105 @@
+// The block-wise strings extractor against the byte-at-a-time machine it
+// stands for, on generated data: every item and every byte behind each
+// item's zero must agree.
+
+#include <gtest/gtest.h>
+
+#include <zk64/foundation/detail/StringExtractor.h>
+
+#include <random>
+#include <string>
+#include <vector>
+
+#include "foundation/StringTestSupport.h"
+
+using zk64::test::ItemBytes;
+
+namespace {
+
+// Pieces that drive the machine through all its rows: printable runs of
+// every length (across block edges and past the 8,191-byte cap), zero
+// runs, wide text, noise, and the control bytes at the edges of the
+// printable set.
+std::string MakeData(std::mt19937& rng, std::size_t size, bool longRuns)
+{
+    auto pick = [&](int low, int high) { return std::uniform_int_distribution<int>(low, high)(rng); };
+    std::string data;
+    while (data.size() < size) {
+        switch (pick(0, 6)) {
+        case 0:
+            data.append(static_cast<std::size_t>(longRuns ? pick(7000, 9500) : pick(1, 90)),
+                        static_cast<char>(pick(32, 126)));
+            break;
+        case 1:
+            for (int n = pick(1, 70); n > 0; --n) data += static_cast<char>(pick(32, 126));
+            break;
+        case 2:
+            data.append(static_cast<std::size_t>(pick(1, 80)), '\0');
+            break;
+        case 3:
+            for (int n = pick(1, 40); n > 0; --n) {
+                data += static_cast<char>(pick(32, 126));
+                data += '\0';
+            }
+            break;
+        case 4:
+            for (int n = pick(1, 60); n > 0; --n) data += static_cast<char>(pick(0, 255));
+            break;
+        case 5: {
+            static char const edges[] = {0, 9, 10, 11, 12, 13, 31, 32, 126, 127, -1};
+            for (int n = pick(1, 12); n > 0; --n) data += edges[pick(0, 10)];
+            break;
+        }
+        default:
+            for (int n = pick(1, 30); n > 0; --n) data += static_cast<char>(pick(0, 1) ? pick(32, 126) : pick(0, 31));
+            break;
+        }
+    }
+    data.resize(size);
+    return data;
+}
+
+void ExpectSameAsMachine(std::string const& data, unsigned int minimum, bool wide, bool vectors)
+{
+    auto const* bytes = reinterpret_cast<unsigned char const*>(data.data());
+    ZKContainer<ZKString> expected, actual;
+    zk64::detail::ExtractStringsByteByByte(bytes, data.size(), minimum, wide, expected);
+    zk64::detail::ExtractStrings(bytes, data.size(), minimum, wide, actual, vectors);
+    ASSERT_EQ(ItemBytes(actual), ItemBytes(expected))
+        << "size " << data.size() << " minimum " << minimum << " wide " << wide << " vectors " << vectors;
+}
+
+}  // namespace
+
+TEST(StringExtractModel, GeneratedDataAllMinimumsBothModes)
+{
+    std::mt19937 rng(20240516);
+    unsigned int const minimums[] = {0, 1, 2, 3, 4, 5, 6, 8, 16, 64, 8190, 8191, 9000};
+    for (int round = 0; round < 60; ++round) {
+        std::size_t const size = std::uniform_int_distribution<std::size_t>(0, 3000)(rng);
+        std::string const data = MakeData(rng, size, false);
+        for (unsigned int minimum : minimums)
+            for (bool wide : {false, true})
+                for (bool vectors : {false, true}) ExpectSameAsMachine(data, minimum, wide, vectors);
+    }
+}
+
+TEST(StringExtractModel, LongRunsAcrossTheCap)
+{
+    std::mt19937 rng(7);
+    for (int round = 0; round < 6; ++round) {
+        std::string const data = MakeData(rng, 60000, true);
+        for (unsigned int minimum : {1u, 4u, 300u, 8191u, 8200u})
+            for (bool wide : {false, true}) ExpectSameAsMachine(data, minimum, wide, round % 2 == 0);
+    }
+}
+
+TEST(StringExtractModel, UniformNoise)
+{
+    std::mt19937 rng(99);
+    std::string data(200000, '\0');
+    for (char& c : data) c = static_cast<char>(rng());
+    for (unsigned int minimum : {2u, 3u, 4u, 6u})
+        for (bool wide : {false, true})
+            for (bool vectors : {false, true}) ExpectSameAsMachine(data, minimum, wide, vectors);
+}
