@@ -14,22 +14,6 @@
 
 namespace fake = zk64::platform::fake;
 
-namespace {
-
-// Captures std::cout while alive.
-class CapturedOutput {
-public:
-    CapturedOutput() : previous(std::cout.rdbuf(captured.rdbuf())) {}
-    ~CapturedOutput() { std::cout.rdbuf(previous); }
-    std::string Text() const { return captured.str(); }
-
-private:
-    std::stringstream captured;
-    std::streambuf* previous;
-};
-
-}  // namespace
-
 TEST(DebugOutput, StreamFormSendsAllToOutputAndUpToNulToTheDebugger)
 {
     fake::Reset();

@@ -7,9 +7,22 @@
 
 #include <filesystem>
 #include <fstream>
+#include <iostream>
 #include <iterator>
 #include <sstream>
 #include <string>
+
+// Captures std::cout while alive.
+class CapturedOutput {
+public:
+    CapturedOutput() : previous(std::cout.rdbuf(captured.rdbuf())) {}
+    ~CapturedOutput() { std::cout.rdbuf(previous); }
+    std::string Text() const { return captured.str(); }
+
+private:
+    std::stringstream captured;
+    std::streambuf* previous;
+};
 
 // What WRITE_LOG_FILE leaves on disk for `text`. The file is written in
 // text mode, so on Windows every line feed becomes a carriage return and a

@@ -5,6 +5,10 @@
 #include <stdexcept>
 #include <string>
 
+#include "foundation/StringTestSupport.h"
+
+using zk64::test::ExpectThrowWithMessage;
+
 namespace {
 
 std::string Bytes(ZKString const& s) { return std::string(s.GetString(), static_cast<std::size_t>(s.GetSize())); }
@@ -17,17 +21,6 @@ ZKString WithZero()
     s += '\0';
     s += 'b';
     return s;
-}
-
-template <class E, class F>
-void ExpectThrowWithMessage(F&& f, char const* message)
-{
-    try {
-        f();
-        ADD_FAILURE() << "no exception, expected \"" << message << "\"";
-    } catch (E const& e) {
-        EXPECT_STREQ(e.what(), message);
-    }
 }
 
 void ExpectTooLong(auto&& f) { ExpectThrowWithMessage<std::length_error>(f, "string too long"); }
