@@ -261,11 +261,13 @@ ObjdumpReport ParseObjdump(std::string const& text)
                         Number(tokens[0], true);
             }
         } else if (part == Part::ExportNames) {
-            // "[ 201] AddCommasW"
+            // "[ 201] AddCommasW" (later binutils add "+base[ 202] ")
             auto const close = trimmed.find(']');
             if (!StartsWith(trimmed, "[") || close == std::string_view::npos) continue;
             std::string_view name = trimmed.substr(close + 1);
             if (!name.empty() && name[0] == ' ') name.remove_prefix(1);
+            if (StartsWith(name, "+base[") && name.find("] ") != std::string_view::npos)
+                name.remove_prefix(name.find("] ") + 2);
             report.exportNames.push_back(
                 {Number(std::string(Trim(trimmed.substr(1, close - 1))), false), std::string(name)});
         } else if (part == Part::Sections) {
