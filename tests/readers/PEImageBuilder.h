@@ -6,6 +6,7 @@
 
 #include <zk64/zk64.h>
 
+#include <chrono>
 #include <cstdint>
 #include <cstring>
 #include <filesystem>
@@ -196,11 +197,14 @@ inline Section ExportSection(Image& image, std::uint32_t rva, std::string const&
     return Section{".edata", rva, raw, 0};
 }
 
-// A file in a fresh temporary directory, removed with the object.
+// A file in a fresh temporary directory, removed with the object. The
+// directory's name is unique across processes run at the same time.
 class TempFile {
 public:
     TempFile(std::string const& name, std::string const& bytes)
-        : directory(std::filesystem::temp_directory_path() / ("zk64-pe-" + std::to_string(++Counter())))
+        : directory(std::filesystem::temp_directory_path() /
+                    ("zk64-pe-" + std::to_string(std::chrono::steady_clock::now().time_since_epoch().count()) + "-" +
+                     std::to_string(++Counter())))
     {
         std::filesystem::create_directories(directory);
         path = (directory / name).string();
