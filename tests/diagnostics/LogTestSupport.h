@@ -12,6 +12,8 @@
 #include <sstream>
 #include <string>
 
+#include "files/TempFiles.h"
+
 // Captures std::cout while alive.
 class CapturedOutput {
 public:
@@ -24,22 +26,8 @@ private:
     std::streambuf* previous;
 };
 
-// What WRITE_LOG_FILE leaves on disk for `text`. The file is written in
-// text mode, so on Windows every line feed becomes a carriage return and a
-// line feed.
-inline std::string OnDisk(std::string const& text)
-{
-#if defined(_WIN32)
-    std::string out;
-    for (char c : text) {
-        if (c == '\n') out += '\r';
-        out += c;
-    }
-    return out;
-#else
-    return text;
-#endif
-}
+// What WRITE_LOG_FILE leaves on disk for `text`: it writes in text mode.
+inline std::string OnDisk(std::string const& text) { return zk64::test::TextOnDisk(text); }
 
 class LogDirectory {
 public:
