@@ -34,3 +34,21 @@ endif()
 # Every executable and DLL in one folder, so that Wine finds zk64.dll next to
 # the test programs.
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
+
+# The mingw C++ runtime DLLs that zk64.dll and its callers share (see the
+# toolchain file). They are copied beside zk64.dll in the build tree, where
+# the tests run under Wine, and installed beside it by cmake --install.
+function(zk64_mingw_runtime out)
+    set(dlls "")
+    foreach(name libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll)
+        execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${name}
+            OUTPUT_VARIABLE path OUTPUT_STRIP_TRAILING_WHITESPACE)
+        if(NOT IS_ABSOLUTE "${path}" OR NOT EXISTS "${path}")
+            message(FATAL_ERROR "the mingw runtime DLL ${name} was not found by ${CMAKE_CXX_COMPILER}")
+        endif()
+        file(REAL_PATH "${path}" path)
+        list(APPEND dlls "${path}")
+    endforeach()
+    file(COPY ${dlls} DESTINATION ${CMAKE_RUNTIME_OUTPUT_DIRECTORY})
+    set(${out} ${dlls} PARENT_SCOPE)
+endfunction()

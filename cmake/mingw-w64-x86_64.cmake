@@ -15,10 +15,11 @@ set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 
-# The mingw runtime (libgcc, libstdc++, winpthread) is linked statically into
-# zk64.dll and every program, so nothing but system DLLs is needed at run time.
-set(CMAKE_EXE_LINKER_FLAGS_INIT "-static")
-set(CMAKE_SHARED_LINKER_FLAGS_INIT "-static")
+# The mingw runtime (libstdc++, libgcc, winpthread) is linked dynamically, in
+# zk64.dll and in every program alike: one C++ runtime in the process, so that
+# standard-library objects whose identity crosses the DLL boundary (error
+# categories, locale facets, iostream globals) are the same objects on both
+# sides. The project copies the runtime DLLs beside zk64.dll and installs them.
 
 find_program(ZK64_WINE NAMES wine)
 if(ZK64_WINE)

@@ -376,8 +376,9 @@ TEST(StringSplit, NewListsMatchOnesFilledByPushes)
         std::string text;
         ZKContainer<ZKString> pushed;
         for (int i = 0; i < pieces; ++i) {
-            std::string const piece = "p" + std::to_string(i);
-            text += piece + (i + 1 < pieces ? ";" : "");
+            std::string const piece = std::string("p").append(std::to_string(i));
+            text += piece;
+            if (i + 1 < pieces) text += ';';
             pushed.PushBack(ZKString(piece.c_str()));
         }
         ZKContainer<ZKString> const split = ZKString::Split(text.c_str(), ';', false);
