@@ -24,6 +24,7 @@
 #include "concurrency/ZKTimer.h"
 #include "messaging/ZKMessagingObject.h"
 #include "files/FileDataStruct.h"
+#include "files/ZKDirectorySearch.h"
 #include "files/ZKFile.h"
 #include "readers/ZKJSONParser.h"
 #include "readers/ZKXMLParser.h"

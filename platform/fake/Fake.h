@@ -21,6 +21,7 @@
 #include <string>
 #include <vector>
 
+#include "../Files.h"
 #include "../PlatformTypes.h"
 
 namespace zk64::platform::fake {
@@ -49,6 +50,11 @@ struct FilesScript {
                        DWORD* maximumComponentLength, DWORD* fileSystemFlags, char* fileSystemName,
                        DWORD fileSystemNameSize)>
         GetVolumeInformationA;
+    std::function<HANDLE(char const* pattern, FindDataA* data)> FindFirstFileA;
+    std::function<BOOL(HANDLE find, FindDataA* data)> FindNextFileA;
+    std::function<BOOL(HANDLE find)> FindClose;
+    std::function<BOOL(void** oldValue)> Wow64DisableWow64FsRedirection;
+    std::function<BOOL(void* oldValue)> Wow64RevertWow64FsRedirection;
 };
 
 SystemScript& System();
