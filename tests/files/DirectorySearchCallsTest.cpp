@@ -184,6 +184,8 @@ TEST_F(DirectorySearchCalls, EveryFunctionOnOneTree)
         {"anything with ee",
          [](ZKString const& r) { return GetFilesAndDirsWithSequence(r, ZKString("ee"), true, false); },
          L({"R/Sub|deep|D"})},
+        {"files with ta, matched from the sequence's start",
+         [](ZKString const& r) { return GetFilesWithSequence(r, ZKString("ta"), true, false); }, {}},
         {"empty sequence", [](ZKString const& r) { return GetFilesAndDirsWithSequence(r, ZKString(), true, true); },
          {}},
     };
@@ -244,6 +246,10 @@ TEST_F(DirectorySearchCalls, ExclusionStopsOnlyTheDescentIntoTheExactSubpattern)
     EXPECT_EQ(GetDirsToExcludeFromSearch().GetItemCount(), 1u);
     RemoveDirToExcludeFromSearch(ZKString(P("R/Sub/*").c_str()));
     EXPECT_EQ(GetDirsToExcludeFromSearch().GetItemCount(), 0u);
+    EXPECT_EQ(GetNumberOfDirs(root, true), 3u);
+
+    SetDirsToExcludeFromSearch(excluded);
+    ClearDirsToExcludeFromSearch();  // the item stays in its slot, but is no longer listed
     EXPECT_EQ(GetNumberOfDirs(root, true), 3u);
 }
 
