@@ -155,45 +155,33 @@ TEST_F(DirectorySearchCalls, RedirectionOnlyAroundTheOpenAndEachLevelClosedAfter
 
 TEST_F(DirectorySearchCalls, EveryFunctionOnOneTree)
 {
+    using Search = ZKContainer<FileDataStruct> (*)(ZKString const&);
+    std::pair<Search, std::vector<std::string>> const cases[] = {
+        {[](ZKString const& r) { return GetFilesAndDirectoriesInDir(r, true); },
+         {"R|a.txt|F", "R|Sub|D", "R/Sub|b.TXT|F", "R/Sub|deep|D", "R/Sub/deep|c.txt|F", "R|junction|F", "R|.hid|D",
+          "R/.hid|h.txt|F"}},
+        {[](ZKString const& r) { return GetFilesAndDirectoriesInDir(r, false); },
+         {"R|a.txt|F", "R|Sub|D", "R|junction|F", "R|.hid|D"}},
+        {[](ZKString const& r) { return GetFilesInDir(r, true); },
+         {"R|a.txt|F", "R/Sub|b.TXT|F", "R/Sub/deep|c.txt|F", "R|junction|F", "R/.hid|h.txt|F"}},
+        {[](ZKString const& r) { return GetDirectoriesInDir(r, true); }, {"R|Sub|D", "R/Sub|deep|D", "R|.hid|D"}},
+        {[](ZKString const& r) { return GetFilesWithSequence(r, ".txt", true, false); },
+         {"R|a.txt|F", "R/Sub/deep|c.txt|F", "R/.hid|h.txt|F"}},
+        {[](ZKString const& r) { return GetFilesWithSequence(r, ".txt", true, true); },
+         {"R|a.txt|F", "R/Sub|b.TXT|F", "R/Sub/deep|c.txt|F", "R/.hid|h.txt|F"}},
+        {[](ZKString const& r) { return GetDirsWithSequence(r, "U", true, true); }, {"R|Sub|D"}},
+        {[](ZKString const& r) { return GetDirsWithSequence(r, "U", true, false); }, {}},
+        {[](ZKString const& r) { return GetFilesAndDirsWithSequence(r, "ee", true, false); }, {"R/Sub|deep|D"}},
+        {[](ZKString const& r) { return GetFilesWithSequence(r, "ta", true, false); }, {}},  // from its start
+        {[](ZKString const& r) { return GetFilesAndDirsWithSequence(r, ZKString(), true, true); }, {}},
+    };
     FakeTree tree(SampleTree());
     ZKString const root(P("R/*").c_str());
-    struct Case {
-        char const* what;
-        ZKContainer<FileDataStruct> (*search)(ZKString const&);
-        std::vector<std::string> expected;
-    };
-    Case const cases[] = {
-        {"files and dirs, recursive", [](ZKString const& r) { return GetFilesAndDirectoriesInDir(r, true); },
-         L({"R|a.txt|F", "R|Sub|D", "R/Sub|b.TXT|F", "R/Sub|deep|D", "R/Sub/deep|c.txt|F", "R|junction|F",
-            "R|.hid|D", "R/.hid|h.txt|F"})},
-        {"files and dirs, one level", [](ZKString const& r) { return GetFilesAndDirectoriesInDir(r, false); },
-         L({"R|a.txt|F", "R|Sub|D", "R|junction|F", "R|.hid|D"})},
-        {"files, recursive", [](ZKString const& r) { return GetFilesInDir(r, true); },
-         L({"R|a.txt|F", "R/Sub|b.TXT|F", "R/Sub/deep|c.txt|F", "R|junction|F", "R/.hid|h.txt|F"})},
-        {"dirs, recursive", [](ZKString const& r) { return GetDirectoriesInDir(r, true); },
-         L({"R|Sub|D", "R/Sub|deep|D", "R|.hid|D"})},
-        {"files with .txt",
-         [](ZKString const& r) { return GetFilesWithSequence(r, ZKString(".txt"), true, false); },
-         L({"R|a.txt|F", "R/Sub/deep|c.txt|F", "R/.hid|h.txt|F"})},
-        {"files with .txt, any case",
-         [](ZKString const& r) { return GetFilesWithSequence(r, ZKString(".txt"), true, true); },
-         L({"R|a.txt|F", "R/Sub|b.TXT|F", "R/Sub/deep|c.txt|F", "R/.hid|h.txt|F"})},
-        {"dirs with U, any case", [](ZKString const& r) { return GetDirsWithSequence(r, ZKString("U"), true, true); },
-         L({"R|Sub|D"})},
-        {"dirs with U", [](ZKString const& r) { return GetDirsWithSequence(r, ZKString("U"), true, false); }, {}},
-        {"anything with ee",
-         [](ZKString const& r) { return GetFilesAndDirsWithSequence(r, ZKString("ee"), true, false); },
-         L({"R/Sub|deep|D"})},
-        {"files with ta, matched from the sequence's start",
-         [](ZKString const& r) { return GetFilesWithSequence(r, ZKString("ta"), true, false); }, {}},
-        {"empty sequence", [](ZKString const& r) { return GetFilesAndDirsWithSequence(r, ZKString(), true, true); },
-         {}},
-    };
-    for (Case const& c : cases) {
-        ZKContainer<FileDataStruct> const results = c.search(root);
-        EXPECT_EQ(Listed(results), c.expected) << c.what;
-        EXPECT_EQ(results.GetMaxItemCount(), 512u) << c.what;
-        EXPECT_TRUE(results.IsContainerAutoResize()) << c.what;
+    int row = 0;
+    for (auto const& [search, expected] : cases) {
+        ZKContainer<FileDataStruct> const results = search(root);
+        EXPECT_EQ(Listed(results), L(expected)) << "row " << row++;
+        EXPECT_TRUE(results.GetMaxItemCount() == 512 && results.IsContainerAutoResize());
     }
     for (std::string const& call : fake::TakeCalls()) {
         EXPECT_EQ(call.find("junction"), std::string::npos) << "a reparse point was entered: " << call;
@@ -201,22 +189,15 @@ TEST_F(DirectorySearchCalls, EveryFunctionOnOneTree)
 
     unsigned long long files = 99, dirs = 99;
     GetNumberOfFilesAndDirs(root, files, dirs, true);
-    EXPECT_EQ(files, 5u);
-    EXPECT_EQ(dirs, 3u);
+    EXPECT_EQ(std::make_pair(files, dirs), std::make_pair(5ull, 3ull));
     GetNumberOfFilesAndDirs(root, files, dirs, false);
-    EXPECT_EQ(files, 2u);
-    EXPECT_EQ(dirs, 2u);
-    EXPECT_EQ(GetNumberOfFiles(root, true), 5u);
-    EXPECT_EQ(GetNumberOfDirs(root, true), 3u);
-    EXPECT_EQ(GetNumberOfDirs(root, false), 2u);
-
+    EXPECT_EQ(std::make_pair(files, dirs), std::make_pair(2ull, 2ull));
+    EXPECT_EQ(std::make_pair(GetNumberOfFiles(root, true), GetNumberOfDirs(root, false)), std::make_pair(5ull, 2ull));
     // Counts ignore what the sequence test gave.
-    unsigned long long dirCount = 0, fileCount = 0;
-    zk64::detail::SearchDirectoryEntries(root, ZKString("no such name"), nullptr, &dirCount, &fileCount,
-                                         zk64::detail::SEARCH_SEQUENCE | zk64::detail::SEARCH_COUNT_DIRS |
-                                             zk64::detail::SEARCH_COUNT_FILES | zk64::detail::SEARCH_RECURSIVE);
-    EXPECT_EQ(fileCount, 5u);
-    EXPECT_EQ(dirCount, 3u);
+    using namespace zk64::detail;
+    SearchDirectoryEntries(root, ZKString("none"), nullptr, &dirs, &files,
+                           SEARCH_SEQUENCE | SEARCH_COUNT_DIRS | SEARCH_COUNT_FILES | SEARCH_RECURSIVE);
+    EXPECT_EQ(std::make_pair(files, dirs), std::make_pair(7ull, 5ull));
 }
 
 TEST_F(DirectorySearchCalls, ExclusionStopsOnlyTheDescentIntoTheExactSubpattern)
