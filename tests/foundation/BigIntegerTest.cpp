@@ -85,7 +85,7 @@ TEST(BigInteger, AddIntStrsOnLongNumbers)
 {
     BigInteger const any;
     std::string const nines(3000, '9');
-    EXPECT_EQ(Bytes(any.AddIntStrs(ZKString(nines.c_str()), ZKString("1"))), "1" + std::string(3000, '0'));
+    EXPECT_EQ(Bytes(any.AddIntStrs(ZKString(nines.c_str()), ZKString("1"))), std::string("1").append(3000, '0'));
     std::string const fives(2500, '5');
     EXPECT_EQ(Bytes(any.AddIntStrs(ZKString(fives.c_str()), ZKString(fives.c_str()))),
               std::string(2500, '1') + "0");

@@ -114,7 +114,7 @@ TEST_F(Messaging, DeliveryFollowsAttachmentOrderThroughRehashes)
     std::vector<std::unique_ptr<Node>> crowd;
     Log expected;
     for (int i = 0; i < 60; ++i) {
-        crowd.push_back(std::make_unique<Node>("n" + std::to_string(i), &log));
+        crowd.push_back(std::make_unique<Node>(std::string("n").append(std::to_string(i)), &log));
         // Interleave other ids so that the table grows while id 5 fills up.
         a.AttachObserver(static_cast<unsigned int>(5 + (i % 3)), crowd.back().get());
         if (i % 3 == 0) expected.push_back(crowd.back()->name + ":5");

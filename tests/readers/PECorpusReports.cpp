@@ -125,8 +125,8 @@ std::vector<std::optional<std::string>> RunTool(Tool tool, std::string const& pr
 {
     std::string command = "LC_ALL=C TZ=UTC0 " + ShellQuote(program) +
                           (tool == Tool::Objdump ? " -p -h" : " --file-headers --sections");
-    for (auto const& file : files) command += " " + ShellQuote(file);
-    std::string const output = "\n" + Run(command + " 2>/dev/null").first;
+    for (auto const& file : files) command.append(" ").append(ShellQuote(file));
+    std::string const output = std::string("\n").append(Run(command + " 2>/dev/null").first);
 
     // The parts in the order of `files`; a file without a heading is skipped
     // over (objdump goes on after a file it cannot read, llvm-readobj stops).
