@@ -29,5 +29,7 @@
 #include "readers/ZKJSONParser.h"
 #include "readers/ZKXMLParser.h"
 #include "system/ZKSystem.h"
+#include "processes/ZKProcessHandles.h"
+#include "processes/ZKProcess.h"
 #include "readers/ZKPERecords.h"
 #include "readers/ZKPEParser.h"

@@ -12,6 +12,9 @@ struct State {
     Calls calls;
     SystemScript system;
     FilesScript files;
+    HandlesScript handles;
+    ProcessesScript processes;
+    SecurityScript security;
 };
 
 // Built on first use: the fake has no start-up order to respect.
@@ -33,6 +36,9 @@ Calls TakeCalls()
 
 SystemScript& System() { return Shared().system; }
 FilesScript& Files() { return Shared().files; }
+HandlesScript& Handles() { return Shared().handles; }
+ProcessesScript& Processes() { return Shared().processes; }
+SecurityScript& Security() { return Shared().security; }
 
 void Reset()
 {
@@ -42,6 +48,9 @@ void Reset()
     }
     Shared().system = SystemScript{};
     Shared().files = FilesScript{};
+    Shared().handles = HandlesScript{};
+    Shared().processes = ProcessesScript{};
+    Shared().security = SecurityScript{};
     SetLastErrorValue(0);
 }
 

@@ -22,6 +22,8 @@
 #include <vector>
 
 #include "../Files.h"
+#include "../Processes.h"
+#include "../Security.h"
 #include "../PlatformTypes.h"
 
 namespace zk64::platform::fake {
@@ -57,8 +59,39 @@ struct FilesScript {
     std::function<BOOL(void* oldValue)> Wow64RevertWow64FsRedirection;
 };
 
+struct HandlesScript {
+    std::function<BOOL(HANDLE object)> CloseHandle;
+};
+
+struct ProcessesScript {
+    std::function<BOOL(WtsProcessInfoA** processes, DWORD* count)> WTSEnumerateProcessesA;
+    std::function<HANDLE(DWORD access, BOOL inheritHandle, DWORD processId)> OpenProcess;
+    std::function<DWORD(HANDLE process)> GetProcessId;
+    std::function<DWORD(HWND window, DWORD* processId)> GetWindowThreadProcessId;
+    std::function<HANDLE()> GetCurrentProcess;
+    std::function<DWORD()> GetCurrentProcessId;
+    std::function<HMODULE(char const* moduleName)> GetModuleHandleA;
+    std::function<char*()> GetEnvironmentStrings;
+    std::function<BOOL(HANDLE process, BOOL* wow64)> IsWow64Process;
+    std::function<BOOL(HANDLE process, HMODULE* modules, DWORD bytes, DWORD* needed, DWORD filter)>
+        K32EnumProcessModulesEx;
+    std::function<DWORD(HANDLE process, HMODULE module, char* buffer, DWORD size)> K32GetModuleFileNameExA;
+    std::function<HINSTANCE__*(char const* verb, char const* file, char const* parameters)> ShellExecuteA;
+};
+
+struct SecurityScript {
+    std::function<BOOL(HANDLE process, DWORD access, HANDLE* token)> OpenProcessToken;
+    std::function<BOOL(char const* name, LuidRecord* luid)> LookupPrivilegeValueA;
+    std::function<BOOL(HANDLE token, TokenPrivileges* state, DWORD bufferLength)> AdjustTokenPrivileges;
+    std::function<BOOL(void** sid)> AllocateAndInitializeSid;
+    std::function<BOOL(HANDLE token, void* sid, BOOL* isMember)> CheckTokenMembership;
+};
+
 SystemScript& System();
 FilesScript& Files();
+HandlesScript& Handles();
+ProcessesScript& Processes();
+SecurityScript& Security();
 
 // Forgets the recorded calls and every script, and sets the last error to 0.
 void Reset();

@@ -1,0 +1,18 @@
+#pragma once
+
+// The fake operations' shared step: a scripted operation's answer, or
+// `failure` when the test left it unset.
+
+#include <string>
+
+namespace zk64::platform::fake {
+
+template <class Result, class Script, class... Args>
+Result Run(Script const& script, Result failure, Args... args)
+{
+    return script ? script(args...) : failure;
+}
+
+inline std::string Dec(unsigned long long value) { return std::to_string(value); }
+
+}  // namespace zk64::platform::fake
