@@ -31,5 +31,6 @@
 #include "system/ZKSystem.h"
 #include "processes/ZKProcessHandles.h"
 #include "processes/ZKProcess.h"
+#include "processes/ZKProcessMetrics.h"
 #include "readers/ZKPERecords.h"
 #include "readers/ZKPEParser.h"

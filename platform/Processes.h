@@ -82,4 +82,44 @@ DWORD K32GetModuleFileNameExA(HANDLE process, HMODULE module, char* buffer, DWOR
 HINSTANCE__* ShellExecuteA(HWND owner, char const* verb, char const* file, char const* parameters,
                            char const* directory, int show);
 
+// ------------------------------------------------ metrics and scheduling
+
+// PROCESS_MEMORY_COUNTERS, field for field (72 bytes).
+struct ProcessMemoryCounters {
+    DWORD cb = 0;
+    DWORD PageFaultCount = 0;
+    ULONGLONG PeakWorkingSetSize = 0;
+    ULONGLONG WorkingSetSize = 0;
+    ULONGLONG QuotaPeakPagedPoolUsage = 0;
+    ULONGLONG QuotaPagedPoolUsage = 0;
+    ULONGLONG QuotaPeakNonPagedPoolUsage = 0;
+    ULONGLONG QuotaNonPagedPoolUsage = 0;
+    ULONGLONG PagefileUsage = 0;
+    ULONGLONG PeakPagefileUsage = 0;
+};
+static_assert(sizeof(ProcessMemoryCounters) == 72);
+
+constexpr DWORD kGrGdiObjects = 0;
+
+// Priority classes (the Win32 values).
+constexpr DWORD kIdlePriorityClass = 0x40;
+constexpr DWORD kBelowNormalPriorityClass = 0x4000;
+constexpr DWORD kNormalPriorityClass = 0x20;
+constexpr DWORD kAboveNormalPriorityClass = 0x8000;
+constexpr DWORD kHighPriorityClass = 0x80;
+constexpr DWORD kRealtimePriorityClass = 0x100;
+
+// Fails unless size is 72. Query (or limited query) and read rights.
+BOOL K32GetProcessMemoryInfo(HANDLE process, ProcessMemoryCounters* counters, DWORD size);
+BOOL GetProcessHandleCount(HANDLE process, DWORD* count);
+// The count of the process's GDI objects (flags GR_GDIOBJECTS); 0 on failure.
+DWORD GetGuiResources(HANDLE process, DWORD flags);
+// A class above, or 0 on failure.
+DWORD GetPriorityClass(HANDLE process);
+BOOL SetPriorityClass(HANDLE process, DWORD priorityClass);
+BOOL GetProcessAffinityMask(HANDLE process, ULONGLONG* processMask, ULONGLONG* systemMask);
+BOOL SetProcessAffinityMask(HANDLE process, ULONGLONG mask);
+// `flags` may be null.
+BOOL GetProcessWorkingSetSizeEx(HANDLE process, ULONGLONG* minimum, ULONGLONG* maximum, DWORD* flags);
+
 }  // namespace zk64::platform

@@ -77,6 +77,14 @@ struct ProcessesScript {
         K32EnumProcessModulesEx;
     std::function<DWORD(HANDLE process, HMODULE module, char* buffer, DWORD size)> K32GetModuleFileNameExA;
     std::function<HINSTANCE__*(char const* verb, char const* file, char const* parameters)> ShellExecuteA;
+    std::function<BOOL(HANDLE process, ProcessMemoryCounters* counters)> K32GetProcessMemoryInfo;
+    std::function<BOOL(HANDLE process, DWORD* count)> GetProcessHandleCount;
+    std::function<DWORD(HANDLE process)> GetGuiResources;
+    std::function<DWORD(HANDLE process)> GetPriorityClass;
+    std::function<BOOL(HANDLE process, DWORD priorityClass)> SetPriorityClass;
+    std::function<BOOL(HANDLE process, ULONGLONG* processMask, ULONGLONG* systemMask)> GetProcessAffinityMask;
+    std::function<BOOL(HANDLE process, ULONGLONG mask)> SetProcessAffinityMask;
+    std::function<BOOL(HANDLE process, ULONGLONG* minimum, ULONGLONG* maximum)> GetProcessWorkingSetSizeEx;
 };
 
 struct SecurityScript {

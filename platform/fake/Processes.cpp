@@ -107,4 +107,54 @@ HINSTANCE__* ShellExecuteA(HWND owner, char const* verb, char const* file, char 
     return Run<HINSTANCE__*>(Processes().ShellExecuteA, nullptr, verb, file, parameters);
 }
 
+BOOL K32GetProcessMemoryInfo(HANDLE process, ProcessMemoryCounters* counters, DWORD size)
+{
+    Record("K32GetProcessMemoryInfo(" + Pointer(process) + ", counters=" + Out(counters) + ", size=" + Dec(size) + ")");
+    return Run<BOOL>(Processes().K32GetProcessMemoryInfo, 0, process, counters);
+}
+
+BOOL GetProcessHandleCount(HANDLE process, DWORD* count)
+{
+    Record("GetProcessHandleCount(" + Pointer(process) + ", count=" + Out(count) + ")");
+    return Run<BOOL>(Processes().GetProcessHandleCount, 0, process, count);
+}
+
+DWORD GetGuiResources(HANDLE process, DWORD flags)
+{
+    Record("GetGuiResources(" + Pointer(process) + ", flags=" + Dec(flags) + ")");
+    return Run<DWORD>(Processes().GetGuiResources, 0, process);
+}
+
+DWORD GetPriorityClass(HANDLE process)
+{
+    Record("GetPriorityClass(" + Pointer(process) + ")");
+    return Run<DWORD>(Processes().GetPriorityClass, 0, process);
+}
+
+BOOL SetPriorityClass(HANDLE process, DWORD priorityClass)
+{
+    Record("SetPriorityClass(" + Pointer(process) + ", class=" + Hex(priorityClass) + ")");
+    return Run<BOOL>(Processes().SetPriorityClass, 0, process, priorityClass);
+}
+
+BOOL GetProcessAffinityMask(HANDLE process, ULONGLONG* processMask, ULONGLONG* systemMask)
+{
+    Record("GetProcessAffinityMask(" + Pointer(process) + ", process=" + Hex(*processMask) + ", system=" +
+           Hex(*systemMask) + ")");
+    return Run<BOOL>(Processes().GetProcessAffinityMask, 0, process, processMask, systemMask);
+}
+
+BOOL SetProcessAffinityMask(HANDLE process, ULONGLONG mask)
+{
+    Record("SetProcessAffinityMask(" + Pointer(process) + ", mask=" + Hex(mask) + ")");
+    return Run<BOOL>(Processes().SetProcessAffinityMask, 0, process, mask);
+}
+
+BOOL GetProcessWorkingSetSizeEx(HANDLE process, ULONGLONG* minimum, ULONGLONG* maximum, DWORD* flags)
+{
+    Record("GetProcessWorkingSetSizeEx(" + Pointer(process) + ", minimum=" + Hex(*minimum) + ", maximum=" +
+           Hex(*maximum) + ", flags=" + Out(flags) + ")");
+    return Run<BOOL>(Processes().GetProcessWorkingSetSizeEx, 0, process, minimum, maximum);
+}
+
 }  // namespace zk64::platform

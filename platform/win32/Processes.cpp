@@ -32,6 +32,15 @@ static_assert(kProcessQueryLimitedInformation == PROCESS_QUERY_LIMITED_INFORMATI
 static_assert(kSynchronize == SYNCHRONIZE);
 static_assert(kListModulesAll == LIST_MODULES_ALL);
 static_assert(kSwShowNormal == SW_SHOWNORMAL);
+static_assert(sizeof(ProcessMemoryCounters) == sizeof(PROCESS_MEMORY_COUNTERS));
+static_assert(offsetof(ProcessMemoryCounters, PeakPagefileUsage) == offsetof(PROCESS_MEMORY_COUNTERS, PeakPagefileUsage));
+static_assert(kGrGdiObjects == GR_GDIOBJECTS);
+static_assert(kIdlePriorityClass == IDLE_PRIORITY_CLASS);
+static_assert(kBelowNormalPriorityClass == BELOW_NORMAL_PRIORITY_CLASS);
+static_assert(kNormalPriorityClass == NORMAL_PRIORITY_CLASS);
+static_assert(kAboveNormalPriorityClass == ABOVE_NORMAL_PRIORITY_CLASS);
+static_assert(kHighPriorityClass == HIGH_PRIORITY_CLASS);
+static_assert(kRealtimePriorityClass == REALTIME_PRIORITY_CLASS);
 
 BOOL WTSEnumerateProcessesA(HANDLE server, DWORD reserved, DWORD version, WtsProcessInfoA** processes,
                             DWORD* count)
@@ -70,6 +79,45 @@ HINSTANCE__* ShellExecuteA(HWND owner, char const* verb, char const* file, char 
                            char const* directory, int show)
 {
     return ::ShellExecuteA(owner, verb, file, parameters, directory, show);
+}
+
+BOOL K32GetProcessMemoryInfo(HANDLE process, ProcessMemoryCounters* counters, DWORD size)
+{
+    return ::K32GetProcessMemoryInfo(process, reinterpret_cast<PROCESS_MEMORY_COUNTERS*>(counters), size);
+}
+
+BOOL GetProcessHandleCount(HANDLE process, DWORD* count)
+{
+    DWORD native = 0;
+    BOOL const ok = ::GetProcessHandleCount(process, &native);
+    *count = native;
+    return ok;
+}
+
+DWORD GetGuiResources(HANDLE process, DWORD flags) { return ::GetGuiResources(process, flags); }
+DWORD GetPriorityClass(HANDLE process) { return ::GetPriorityClass(process); }
+BOOL SetPriorityClass(HANDLE process, DWORD priorityClass) { return ::SetPriorityClass(process, priorityClass); }
+
+BOOL GetProcessAffinityMask(HANDLE process, ULONGLONG* processMask, ULONGLONG* systemMask)
+{
+    DWORD_PTR processNative = *processMask;
+    DWORD_PTR systemNative = *systemMask;
+    BOOL const ok = ::GetProcessAffinityMask(process, &processNative, &systemNative);
+    *processMask = processNative;
+    *systemMask = systemNative;
+    return ok;
+}
+
+BOOL SetProcessAffinityMask(HANDLE process, ULONGLONG mask) { return ::SetProcessAffinityMask(process, mask); }
+
+BOOL GetProcessWorkingSetSizeEx(HANDLE process, ULONGLONG* minimum, ULONGLONG* maximum, DWORD* flags)
+{
+    SIZE_T minimumNative = *minimum;
+    SIZE_T maximumNative = *maximum;
+    BOOL const ok = ::GetProcessWorkingSetSizeEx(process, &minimumNative, &maximumNative, flags);
+    *minimum = minimumNative;
+    *maximum = maximumNative;
+    return ok;
 }
 
 }  // namespace zk64::platform

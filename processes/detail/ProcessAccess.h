@@ -54,7 +54,7 @@ Result WithProcess(unsigned long pid, unsigned long long word, Result failure, W
 
 // The name form: the identifier of the first process of that name, then
 // the identifier form. `notFound` is the result when there is none (most
-// operations give their failure value; a few setters answer true).
+// operations give their failure value; a few answer true).
 template <class Result, class Work>
 Result WithNamedProcess(ZKString const& name, unsigned long long word, Result failure, Result notFound, Work&& work)
 {
@@ -63,27 +63,24 @@ Result WithNamedProcess(ZKString const& name, unsigned long long word, Result fa
     return WithProcess(pid, word, std::move(failure), std::forward<Work>(work));
 }
 
-template <class Result, class Work>
-Result WithNamedProcess(ZKString const& name, unsigned long long word, Result failure, Work&& work)
-{
-    Result notFound = failure;
-    return WithNamedProcess(name, word, std::move(failure), std::move(notFound), std::forward<Work>(work));
-}
-
 }  // namespace zk64::detail
 
 // Defines the identifier and name forms of an operation from its handle
 // form. PARAMS and ARGS are the further parameters and arguments, each in
-// parentheses with a leading comma (or empty parentheses).
+// parentheses with a leading comma (or empty parentheses). `notFound` is the
+// name form's result for a name that no process has.
 #define ZK_PROCESS_FORMS_PARAMS(...) __VA_ARGS__
-#define ZK_PROCESS_ID_AND_NAME_FORMS(Result, Name, word, failure, PARAMS, ARGS)                                 \
+#define ZK_PROCESS_ID_AND_NAME_FORMS_NOT_FOUND(Result, Name, word, failure, notFound, PARAMS, ARGS)             \
     Result Name(unsigned long pid ZK_PROCESS_FORMS_PARAMS PARAMS)                                             \
     {                                                                                                         \
-        return zk64::detail::WithProcess<Result>(pid, word, failure,                                          \
-                                                 [&](ProcessHandle process) { return Name(process ZK_PROCESS_FORMS_PARAMS ARGS); }); \
+        return zk64::detail::WithProcess<Result>(                                                             \
+            pid, word, failure, [&](ProcessHandle process) { return Name(process ZK_PROCESS_FORMS_PARAMS ARGS); }); \
     }                                                                                                         \
     Result Name(ZKString const& name ZK_PROCESS_FORMS_PARAMS PARAMS)                                          \
     {                                                                                                         \
-        return zk64::detail::WithNamedProcess<Result>(name, word, failure,                                    \
-                                                      [&](ProcessHandle process) { return Name(process ZK_PROCESS_FORMS_PARAMS ARGS); }); \
+        return zk64::detail::WithNamedProcess<Result>(                                                        \
+            name, word, failure, notFound,                                                                    \
+            [&](ProcessHandle process) { return Name(process ZK_PROCESS_FORMS_PARAMS ARGS); });              \
     }
+#define ZK_PROCESS_ID_AND_NAME_FORMS(Result, Name, word, failure, PARAMS, ARGS) \
+    ZK_PROCESS_ID_AND_NAME_FORMS_NOT_FOUND(Result, Name, word, failure, failure, PARAMS, ARGS)
