@@ -32,5 +32,6 @@
 #include "processes/ZKProcessHandles.h"
 #include "processes/ZKProcess.h"
 #include "processes/ZKProcessMetrics.h"
+#include "processes/ZKProcessMemory.h"
 #include "readers/ZKPERecords.h"
 #include "readers/ZKPEParser.h"

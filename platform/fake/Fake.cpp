@@ -15,6 +15,7 @@ struct State {
     HandlesScript handles;
     ProcessesScript processes;
     SecurityScript security;
+    MemoryScript memory;
 };
 
 // Built on first use: the fake has no start-up order to respect.
@@ -39,6 +40,7 @@ FilesScript& Files() { return Shared().files; }
 HandlesScript& Handles() { return Shared().handles; }
 ProcessesScript& Processes() { return Shared().processes; }
 SecurityScript& Security() { return Shared().security; }
+MemoryScript& Memory() { return Shared().memory; }
 
 void Reset()
 {
@@ -51,6 +53,7 @@ void Reset()
     Shared().handles = HandlesScript{};
     Shared().processes = ProcessesScript{};
     Shared().security = SecurityScript{};
+    Shared().memory = MemoryScript{};
     SetLastErrorValue(0);
 }
 

@@ -22,6 +22,7 @@
 #include <vector>
 
 #include "../Files.h"
+#include "../Memory.h"
 #include "../Processes.h"
 #include "../Security.h"
 #include "../PlatformTypes.h"
@@ -95,11 +96,18 @@ struct SecurityScript {
     std::function<BOOL(HANDLE token, void* sid, BOOL* isMember)> CheckTokenMembership;
 };
 
+struct MemoryScript {
+    std::function<std::size_t(void const* address, MemoryBasicInformation* information)> VirtualQueryEx;
+    std::function<BOOL(void const* address, void* buffer, std::size_t size)> ReadProcessMemory;
+    std::function<BOOL(void* address, void const* buffer, std::size_t size)> WriteProcessMemory;
+};
+
 SystemScript& System();
 FilesScript& Files();
 HandlesScript& Handles();
 ProcessesScript& Processes();
 SecurityScript& Security();
+MemoryScript& Memory();
 
 // Forgets the recorded calls and every script, and sets the last error to 0.
 void Reset();

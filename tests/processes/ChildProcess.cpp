@@ -12,6 +12,16 @@
 extern char** environ;
 #endif
 
+bool RunningUnderWine()
+{
+#if defined(_WIN32)
+    HMODULE const ntdll = GetModuleHandleA("ntdll.dll");
+    return ntdll != nullptr && GetProcAddress(ntdll, "wine_get_version") != nullptr;
+#else
+    return false;
+#endif
+}
+
 std::string ChildProcess::FileName()
 {
 #if defined(_WIN32)

@@ -5,6 +5,10 @@
 
 #include <string>
 
+// Whether the test runs under Wine, which answers some queries unlike
+// Windows.
+bool RunningUnderWine();
+
 class ChildProcess {
 public:
     ChildProcess();
