@@ -55,7 +55,10 @@ BOOL AllocateAndInitializeSid(SidIdentifierAuthority const* authority, unsigned 
                               DWORD sub6, DWORD sub7, void** sid)
 {
     std::string text = "AllocateAndInitializeSid(authority=";
-    for (int index = 0; index < 6; ++index) text += (index == 0 ? "" : ".") + Dec(authority->Value[index]);
+    for (int index = 0; index < 6; ++index) {
+        if (index != 0) text += '.';
+        text += Dec(authority->Value[index]);
+    }
     Record(text + ", count=" + Dec(subAuthorityCount) + ", sub=" + Dec(sub0) + "," + Dec(sub1) + "," + Dec(sub2) +
            "," + Dec(sub3) + "," + Dec(sub4) + "," + Dec(sub5) + "," + Dec(sub6) + "," + Dec(sub7) + ")");
     return Run<BOOL>(Security().AllocateAndInitializeSid, 0, sid);
