@@ -13,18 +13,10 @@
 #include <vector>
 
 #include "platform/Files.h"
-#include "platform/fake/Fake.h"
-
-namespace fake = zk64::platform::fake;
-namespace platform = zk64::platform;
-using platform::BOOL;
-using platform::DWORD;
-using platform::HANDLE;
-using Calls = fake::Calls;
+#include "FakeProcess.h"
 
 namespace {
 
-HANDLE const kHandle = reinterpret_cast<HANDLE>(0x44);
 HINSTANCE__* Module(std::uintptr_t value) { return reinterpret_cast<HINSTANCE__*>(value); }
 std::string Open(DWORD access, unsigned pid) { return "OpenProcess(access=" + fake::Hex(access) + ", inherit=0, pid=" + std::to_string(pid) + ")"; }
 std::string const kClose = "CloseHandle(0x44)";
@@ -40,10 +32,8 @@ std::string PlatformPath(std::vector<std::string> const& parts)
     return path;
 }
 
-class ProcessCalls : public ::testing::Test {
+class ProcessCalls : public FakeTest {
 protected:
-    void SetUp() override { fake::Reset(); }
-    void TearDown() override { fake::Reset(); }
 
     // The process list the fake hands out: {session, pid, name}.
     std::vector<platform::WtsProcessInfoA> rows;

@@ -9,19 +9,10 @@
 #include <string>
 #include <vector>
 
-#include "platform/fake/Fake.h"
-
-namespace fake = zk64::platform::fake;
-namespace platform = zk64::platform;
-using platform::BOOL;
-using platform::DWORD;
-using platform::HANDLE;
-using Calls = fake::Calls;
+#include "FakeProcess.h"
 
 namespace {
 
-HANDLE const kHandle = reinterpret_cast<HANDLE>(0x44);
-ProcessHandle const kProcess{kHandle};
 using Info = VirtualMemoryAddressInfo;
 
 struct Predicate {
@@ -49,11 +40,11 @@ std::vector<Predicate> const& Predicates()
     return table;
 }
 
-class MemoryCalls : public ::testing::Test {
+class MemoryCalls : public FakeTest {
 protected:
     void SetUp() override
     {
-        fake::Reset();
+        FakeTest::SetUp();
         fake::System().GetNativeSystemInfo = [this](platform::NativeSystemInfo* info) {
             info->lpMaximumApplicationAddress = reinterpret_cast<void*>(limit);
         };
@@ -62,7 +53,6 @@ protected:
             return 1;
         };
     }
-    void TearDown() override { fake::Reset(); }
 
     unsigned long long limit = 0x7FFFFFFEFFFF;
     // The regions the fake describes: {start, size, state}; a query of an

@@ -9,28 +9,9 @@
 #include <string>
 #include <vector>
 
-#include "platform/fake/Fake.h"
+#include "FakeProcess.h"
 
-namespace fake = zk64::platform::fake;
-namespace platform = zk64::platform;
-using platform::BOOL;
-using platform::DWORD;
-using platform::HANDLE;
-using platform::ULONGLONG;
-using Calls = fake::Calls;
-
-namespace {
-
-HANDLE const kHandle = reinterpret_cast<HANDLE>(0x44);
-ProcessHandle const kProcess{kHandle};
-
-class MetricsCalls : public ::testing::Test {
-protected:
-    void SetUp() override { fake::Reset(); }
-    void TearDown() override { fake::Reset(); }
-};
-
-}  // namespace
+using MetricsCalls = FakeTest;
 
 TEST_F(MetricsCalls, MemoryCountersReadTheirOwnField)
 {
@@ -93,6 +74,24 @@ TEST_F(MetricsCalls, IdentifierFormsOpenWithTheirWord)
         EXPECT_EQ(calls.front(), "OpenProcess(access=" + fake::Hex(row.rights) + ", inherit=0, pid=9)");
         EXPECT_EQ(calls.back(), "CloseHandle(0x44)");
     }
+    // A failed open gives each operation's failure value.
+    fake::Processes().OpenProcess = nullptr;
+    using Counter = unsigned long long (*)(unsigned long);
+    for (Counter counter : {Counter{GetProcessPageFaultCount}, Counter{GetProcessPeakWorkingSetSizeBytes},
+                            Counter{GetProcessWorkingSetSizeBytes}, Counter{GetProcessQuotaPeakPagedPoolUsageBytes},
+                            Counter{GetProcessQuotaPagedPoolUsageBytes}, Counter{GetProcessQuotaPeakNonPagedPoolUsageBytes},
+                            Counter{GetProcessQuotaNonPagedPoolUsageBytes}, Counter{GetProcessPagefileUsageBytes},
+                            Counter{GetProcessPeakPagefileUsageBytes}, Counter{GetProcessWorkingSetMinSizeBytes},
+                            Counter{GetProcessWorkingSetMaxSizeBytes}})
+        EXPECT_EQ(counter(9ul), 0u);
+    EXPECT_EQ(GetProcessNumOfHandles(9ul), 0u);
+    EXPECT_EQ(GetProcessNumOfGDIHandles(9ul), 0u);
+    EXPECT_EQ(GetProcessPriorityClass(9ul), ProcessPriorityUnknown);
+    EXPECT_FALSE(SetProcessPriorityClass(9ul, ProcessPriorityHigh));
+    mask = 0x33;
+    EXPECT_FALSE(GetProcessAffinity(9ul, mask));
+    EXPECT_EQ(mask, 0x33u) << "no handle, no output";
+    EXPECT_FALSE(SetProcessAffinity(9ul, mask));
 }
 
 TEST_F(MetricsCalls, CountsAndWorkingSetStartFromZero)
@@ -173,8 +172,11 @@ TEST_F(MetricsCalls, AffinityMasksAreStoredEvenAfterAFailure)
     EXPECT_EQ(fake::TakeCalls().size(), 8u);
     unsigned long long out = 0;
     GetSystemAffinity(out);
+    GetProcessAffinity(kProcess, out);
     EXPECT_EQ(fake::TakeCalls(),
-              (Calls{"GetCurrentProcess()", "GetProcessAffinityMask(0xffffffffffffffff, process=0x0, system=0x0)"}));
+              (Calls{"GetCurrentProcess()", "GetProcessAffinityMask(0xffffffffffffffff, process=0x0, system=0x0)",
+                     "GetProcessAffinityMask(0x44, process=0x0, system=0x0)"}))
+        << "both masks start at 0";
 }
 
 TEST_F(MetricsCalls, NameFormsOfTheSettersAnswerTrueForAnUnknownName)

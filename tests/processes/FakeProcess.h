@@ -1,0 +1,28 @@
+#pragma once
+
+// What the fake-backend process tests share: the names they use and the
+// one process handle the fake hands out.
+
+#include <gtest/gtest.h>
+
+#include <zk64/zk64.h>
+
+#include "platform/fake/Fake.h"
+
+namespace fake = zk64::platform::fake;
+namespace platform = zk64::platform;
+using platform::BOOL;
+using platform::DWORD;
+using platform::HANDLE;
+using platform::ULONGLONG;
+using Calls = fake::Calls;
+
+inline HANDLE const kHandle = reinterpret_cast<HANDLE>(0x44);
+inline ProcessHandle const kProcess{kHandle};
+
+// A test with a fresh fake: no script, no recorded call.
+class FakeTest : public ::testing::Test {
+protected:
+    void SetUp() override { fake::Reset(); }
+    void TearDown() override { fake::Reset(); }
+};
