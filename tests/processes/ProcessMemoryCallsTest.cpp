@@ -261,8 +261,13 @@ TEST_F(MemoryCalls, WritesTakeTheirByteCountAndRefuseShortData)
     EXPECT_FALSE(SetVirtualMemoryData(kProcess, address, data, 8));
     EXPECT_TRUE(fake::TakeCalls().empty()) << "nothing is read past the string";
 
-    fake::Processes().OpenProcess = [](DWORD, BOOL, DWORD) { return kHandle; };
     region.RegionSize = 2;
+    EXPECT_FALSE(SetVirtualMemoryData(9ul, region, data)) << "the process cannot be opened";
+    EXPECT_FALSE(SetVirtualMemoryData(9ul, address, data, 1));
+    EXPECT_FALSE(SetVirtualMemoryData(ZKString("nope.exe"), region, data));
+    EXPECT_FALSE(SetVirtualMemoryData(ZKString("nope.exe"), address, data, 1));
+    fake::TakeCalls();
+    fake::Processes().OpenProcess = [](DWORD, BOOL, DWORD) { return kHandle; };
     EXPECT_TRUE(SetVirtualMemoryData(9ul, region, data));
     EXPECT_TRUE(SetVirtualMemoryData(9ul, address, data, 1));
     Calls const calls = fake::TakeCalls();
