@@ -25,6 +25,7 @@
 #include "messaging/ZKMessagingObject.h"
 #include "files/FileDataStruct.h"
 #include "files/ZKFile.h"
+#include "files/ZKDirectoryWatch.h"
 #include "readers/ZKJSONParser.h"
 #include "readers/ZKXMLParser.h"
 #include "system/ZKSystem.h"
