@@ -12,6 +12,9 @@ struct State {
     Calls calls;
     SystemScript system;
     FilesScript files;
+    HandlesScript handles;
+    DirectoryChangesScript directoryChanges;
+    TextScript text;
 };
 
 // Built on first use: the fake has no start-up order to respect.
@@ -33,6 +36,9 @@ Calls TakeCalls()
 
 SystemScript& System() { return Shared().system; }
 FilesScript& Files() { return Shared().files; }
+HandlesScript& Handles() { return Shared().handles; }
+DirectoryChangesScript& DirectoryChanges() { return Shared().directoryChanges; }
+TextScript& Text() { return Shared().text; }
 
 void Reset()
 {
@@ -42,6 +48,9 @@ void Reset()
     }
     Shared().system = SystemScript{};
     Shared().files = FilesScript{};
+    Shared().handles = HandlesScript{};
+    Shared().directoryChanges = DirectoryChangesScript{};
+    Shared().text = TextScript{};
     SetLastErrorValue(0);
 }
 
@@ -63,6 +72,8 @@ std::string Hex(unsigned long long value)
     std::snprintf(text, sizeof text, "0x%llx", value);
     return text;
 }
+
+std::string Dec(unsigned long long value) { return std::to_string(value); }
 
 std::string Pointer(void const* value)
 {

@@ -60,6 +60,35 @@ struct FilesScript {
 SystemScript& System();
 FilesScript& Files();
 
+struct HandlesScript {
+    std::function<HANDLE(void* securityAttributes, BOOL manualReset, BOOL initialState, char const* name)>
+        CreateEventA;
+    std::function<DWORD(HANDLE handle, DWORD milliseconds)> WaitForSingleObject;
+    std::function<BOOL(HANDLE event)> ResetEvent;
+    std::function<BOOL(HANDLE handle)> CloseHandle;
+    std::function<BOOL(HANDLE file, Overlapped* overlapped, DWORD* bytesTransferred, BOOL wait)> GetOverlappedResult;
+};
+
+// Unset, CreateFileA returns kInvalidHandleValue.
+struct DirectoryChangesScript {
+    std::function<HANDLE(char const* path, DWORD desiredAccess, DWORD shareMode, void* securityAttributes,
+                         DWORD creationDisposition, DWORD flagsAndAttributes, HANDLE templateFile)>
+        CreateFileA;
+    std::function<BOOL(HANDLE directory, void* buffer, DWORD bufferLength, BOOL watchSubtree, DWORD notifyFilter,
+                       DWORD* bytesReturned, Overlapped* overlapped, void* completionRoutine)>
+        ReadDirectoryChangesW;
+};
+
+struct TextScript {
+    std::function<int(unsigned int codePage, DWORD flags, WCHAR const* wide, int wideCount, char* bytes,
+                      int byteCount, char const* defaultChar, BOOL* usedDefaultChar)>
+        WideCharToMultiByte;
+};
+
+HandlesScript& Handles();
+DirectoryChangesScript& DirectoryChanges();
+TextScript& Text();
+
 // Forgets the recorded calls and every script, and sets the last error to 0.
 void Reset();
 // Sets the calling thread's last error without recording a call.
@@ -71,6 +100,7 @@ void SetLastErrorValue(DWORD code);
 BOOL ReturnText(char const* text, char* buffer, DWORD* size, bool countTerminator);
 
 // Recording, for the fake operations themselves.
+std::string Dec(unsigned long long value);
 std::string Hex(unsigned long long value);
 std::string Pointer(void const* value);
 // An out argument: "out" when given, "null" when not.

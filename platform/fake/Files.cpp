@@ -31,7 +31,7 @@ Result Run(Script const& script, Result failure, Args... args)
 HANDLE FindFirstFileA(char const* pattern, FindDataA* data)
 {
     fake::Record("FindFirstFileA(pattern=" + fake::Quoted(pattern) + ", data=" + fake::Out(data) + ")");
-    return Run<HANDLE>(fake::Files().FindFirstFileA, InvalidHandleValue(), pattern, data);
+    return Run<HANDLE>(fake::Files().FindFirstFileA, kInvalidHandleValue, pattern, data);
 }
 
 BOOL FindNextFileA(HANDLE find, FindDataA* data)
