@@ -26,6 +26,7 @@
 #include "files/FileDataStruct.h"
 #include "files/ZKDirectorySearch.h"
 #include "files/ZKFile.h"
+#include "files/ZKDirectoryWatch.h"
 #include "readers/ZKJSONParser.h"
 #include "readers/ZKXMLParser.h"
 #include "system/ZKSystem.h"

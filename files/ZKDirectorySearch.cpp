@@ -47,7 +47,7 @@ public:
         platform::Wow64DisableWow64FsRedirection(&redirection);
         platform::HANDLE const find = platform::FindFirstFileA(directory.GetString(), &entry);
         platform::Wow64RevertWow64FsRedirection(redirection);
-        if (find == platform::InvalidHandleValue()) return;
+        if (find == platform::kInvalidHandleValue) return;
 
         int const size = directory.GetSize();
         if (size < 2) {

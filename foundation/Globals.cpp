@@ -8,6 +8,8 @@ LibraryGlobals::LibraryGlobals()
     programArgs.max_load_factor(1.0f);
 }
 
+LibraryGlobals::~LibraryGlobals() { directoryWatchWorker.ShutdownThread(); }
+
 // The only definition of the library's global state; nothing else in the
 // library has static objects with constructors.
 LibraryGlobals globals;

@@ -44,12 +44,9 @@ constexpr DWORD kFileAttributeDirectory = 0x10;
 constexpr DWORD kFileAttributeNormal = 0x80;
 constexpr DWORD kFileAttributeReparsePoint = 0x400;
 
-// FindFirstFileA's failure value, INVALID_HANDLE_VALUE.
-inline HANDLE InvalidHandleValue() { return reinterpret_cast<HANDLE>(~static_cast<std::uintptr_t>(0)); }
-
 // Directory enumeration. `pattern` is a directory, a separator and a name
 // pattern with '*' and '?' ("C:\dir\*"). The first matching entry goes into
-// `data`; InvalidHandleValue() when nothing matches or the directory cannot
+// `data`; kInvalidHandleValue when nothing matches or the directory cannot
 // be read. FindNextFileA gives the next entry, FALSE at the end
 // (ERROR_NO_MORE_FILES). "." and ".." are entries like any other.
 // posix: opendir/readdir on the pattern's directory ("." when it has none),

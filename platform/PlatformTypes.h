@@ -17,6 +17,46 @@ using BOOL = int;
 using WORD = std::uint16_t;
 using ULONGLONG = std::uint64_t;
 using HANDLE = void*;
+using ULONG_PTR = std::uintptr_t;
+
+// INVALID_HANDLE_VALUE: the failure value of CreateFileA and FindFirstFileA.
+inline HANDLE const kInvalidHandleValue = reinterpret_cast<HANDLE>(~ULONG_PTR{0});
+// The wide character of the layer's *W functions: UTF-16 units.
+#if defined(_WIN32)
+using WCHAR = wchar_t;
+#else
+using WCHAR = char16_t;
+#endif
+
+// OVERLAPPED: the block of an asynchronous operation, field for field and of
+// the same size (32 bytes). Internal holds the operation's status while it
+// is pending (kStatusPending) and when it is done, InternalHigh the bytes
+// transferred, hEvent the event that is signalled at completion.
+struct OverlappedOffset {
+    DWORD Offset = 0;
+    DWORD OffsetHigh = 0;
+};
+struct Overlapped {
+    ULONG_PTR Internal = 0;
+    ULONG_PTR InternalHigh = 0;
+    union {
+        OverlappedOffset Offsets = {};
+        void* Pointer;
+    };
+    HANDLE hEvent = nullptr;
+};
+static_assert(sizeof(Overlapped) == 32);
+
+// The head of FILE_NOTIFY_INFORMATION, one record of a directory-change
+// buffer; FileNameLength bytes of UTF-16 name follow it (no terminator), and
+// the next record starts NextEntryOffset bytes after this one's start (0 for
+// the last). Records are DWORD-aligned.
+struct FileNotifyInformationHead {
+    DWORD NextEntryOffset;
+    DWORD Action;
+    DWORD FileNameLength;
+};
+static_assert(sizeof(FileNotifyInformationHead) == 12);
 
 
 // GetNativeSystemInfo's record, with the fields the library reads.
@@ -61,5 +101,9 @@ constexpr WORD kProcessorArchitectureArm64 = 12;
 constexpr DWORD kErrorInvalidParameter = 87;
 constexpr DWORD kErrorBufferOverflow = 111;
 constexpr DWORD kErrorInsufficientBuffer = 122;
+
+// Overlapped status values (NTSTATUS) kept in Overlapped::Internal.
+constexpr ULONG_PTR kStatusPending = 0x103;
+constexpr ULONG_PTR kStatusNotifyEnumDir = 0x10C;  // changes were lost: the buffer overflowed
 
 }  // namespace zk64::platform

@@ -5,10 +5,6 @@
 // library loads and destroyed in reverse when it unloads. The order is part
 // of the library's behaviour; never reorder, and give a new global a new
 // slot at the end.
-//
-// Slots owned by subsystems that do not exist yet hold a ReservedGlobal, so
-// that the slots after them keep their place; each is replaced by the real
-// type when its subsystem lands.
 
 #include <sstream>
 #include <string>
@@ -16,19 +12,23 @@
 
 #include "../../concurrency/ZKMutex.h"
 #include "../../concurrency/ZKThread.h"
+#include "../../files/ZKDirectoryWatch.h"
 #include "../ZKContainer.h"
 #include "../ZKString.h"
 
 namespace zk64::detail {
 
-struct ReservedGlobal {};
-
 struct LibraryGlobals {
     LibraryGlobals();
+    // Stops directory watching's worker before any member is destroyed: it
+    // walks the list, which is destroyed before the worker's ZKThread.
+    ~LibraryGlobals();
+    LibraryGlobals(LibraryGlobals const&) = delete;
+    LibraryGlobals& operator=(LibraryGlobals const&) = delete;
 
     ZKMutex directoryWatchLock;           //  1 ZKMutex: directory watching's lock
     ZKThread directoryWatchWorker;        //  2 ZKThread: directory watching's worker
-    ReservedGlobal watchedDirectories;    //  3 ZKContainer<DirChangeStruct>
+    ZKContainer<DirChangeStruct> watchedDirectories;  //  3 directory watching's list
     ZKString machineIdCache;              //  4 GenerateUniqueMachineID's cached result
     ZKContainer<void*> reservedPointers;  //  5 built and destroyed, never used
     std::unordered_map<std::string, std::string> programArgs;  //  6 LoadProgramArgs' table

@@ -13,6 +13,8 @@ struct State {
     SystemScript system;
     FilesScript files;
     HandlesScript handles;
+    DirectoryChangesScript directoryChanges;
+    TextScript text;
     ProcessesScript processes;
     SecurityScript security;
     MemoryScript memory;
@@ -38,6 +40,8 @@ Calls TakeCalls()
 SystemScript& System() { return Shared().system; }
 FilesScript& Files() { return Shared().files; }
 HandlesScript& Handles() { return Shared().handles; }
+DirectoryChangesScript& DirectoryChanges() { return Shared().directoryChanges; }
+TextScript& Text() { return Shared().text; }
 ProcessesScript& Processes() { return Shared().processes; }
 SecurityScript& Security() { return Shared().security; }
 MemoryScript& Memory() { return Shared().memory; }
@@ -51,6 +55,8 @@ void Reset()
     Shared().system = SystemScript{};
     Shared().files = FilesScript{};
     Shared().handles = HandlesScript{};
+    Shared().directoryChanges = DirectoryChangesScript{};
+    Shared().text = TextScript{};
     Shared().processes = ProcessesScript{};
     Shared().security = SecurityScript{};
     Shared().memory = MemoryScript{};
@@ -75,6 +81,8 @@ std::string Hex(unsigned long long value)
     std::snprintf(text, sizeof text, "0x%llx", value);
     return text;
 }
+
+std::string Dec(unsigned long long value) { return std::to_string(value); }
 
 std::string Pointer(void const* value)
 {

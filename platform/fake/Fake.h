@@ -60,10 +60,6 @@ struct FilesScript {
     std::function<BOOL(void* oldValue)> Wow64RevertWow64FsRedirection;
 };
 
-struct HandlesScript {
-    std::function<BOOL(HANDLE object)> CloseHandle;
-};
-
 struct ProcessesScript {
     std::function<BOOL(WtsProcessInfoA** processes, DWORD* count)> WTSEnumerateProcessesA;
     std::function<HANDLE(DWORD access, BOOL inheritHandle, DWORD processId)> OpenProcess;
@@ -104,10 +100,38 @@ struct MemoryScript {
 
 SystemScript& System();
 FilesScript& Files();
-HandlesScript& Handles();
 ProcessesScript& Processes();
 SecurityScript& Security();
 MemoryScript& Memory();
+
+struct HandlesScript {
+    std::function<HANDLE(void* securityAttributes, BOOL manualReset, BOOL initialState, char const* name)>
+        CreateEventA;
+    std::function<DWORD(HANDLE handle, DWORD milliseconds)> WaitForSingleObject;
+    std::function<BOOL(HANDLE event)> ResetEvent;
+    std::function<BOOL(HANDLE handle)> CloseHandle;
+    std::function<BOOL(HANDLE file, Overlapped* overlapped, DWORD* bytesTransferred, BOOL wait)> GetOverlappedResult;
+};
+
+// Unset, CreateFileA returns kInvalidHandleValue.
+struct DirectoryChangesScript {
+    std::function<HANDLE(char const* path, DWORD desiredAccess, DWORD shareMode, void* securityAttributes,
+                         DWORD creationDisposition, DWORD flagsAndAttributes, HANDLE templateFile)>
+        CreateFileA;
+    std::function<BOOL(HANDLE directory, void* buffer, DWORD bufferLength, BOOL watchSubtree, DWORD notifyFilter,
+                       DWORD* bytesReturned, Overlapped* overlapped, void* completionRoutine)>
+        ReadDirectoryChangesW;
+};
+
+struct TextScript {
+    std::function<int(unsigned int codePage, DWORD flags, WCHAR const* wide, int wideCount, char* bytes,
+                      int byteCount, char const* defaultChar, BOOL* usedDefaultChar)>
+        WideCharToMultiByte;
+};
+
+HandlesScript& Handles();
+DirectoryChangesScript& DirectoryChanges();
+TextScript& Text();
 
 // Forgets the recorded calls and every script, and sets the last error to 0.
 void Reset();
@@ -120,6 +144,7 @@ void SetLastErrorValue(DWORD code);
 BOOL ReturnText(char const* text, char* buffer, DWORD* size, bool countTerminator);
 
 // Recording, for the fake operations themselves.
+std::string Dec(unsigned long long value);
 std::string Hex(unsigned long long value);
 std::string Pointer(void const* value);
 // An out argument: "out" when given, "null" when not.

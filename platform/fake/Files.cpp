@@ -2,6 +2,7 @@
 
 #include "../Files.h"
 #include "Fake.h"
+#include "Run.h"
 
 namespace zk64::platform {
 
@@ -17,45 +18,34 @@ BOOL GetVolumeInformationA(char const* rootPath, char* volumeName, DWORD volumeN
                   : 0;
 }
 
-namespace {
-
-// A scripted operation's answer, or `failure` when the test left it unset.
-template <class Result, class Script, class... Args>
-Result Run(Script const& script, Result failure, Args... args)
-{
-    return script ? script(args...) : failure;
-}
-
-}  // namespace
-
 HANDLE FindFirstFileA(char const* pattern, FindDataA* data)
 {
     fake::Record("FindFirstFileA(pattern=" + fake::Quoted(pattern) + ", data=" + fake::Out(data) + ")");
-    return Run<HANDLE>(fake::Files().FindFirstFileA, InvalidHandleValue(), pattern, data);
+    return fake::Run<HANDLE>(fake::Files().FindFirstFileA, kInvalidHandleValue, pattern, data);
 }
 
 BOOL FindNextFileA(HANDLE find, FindDataA* data)
 {
     fake::Record("FindNextFileA(find=" + fake::Pointer(find) + ", data=" + fake::Out(data) + ")");
-    return Run<BOOL>(fake::Files().FindNextFileA, 0, find, data);
+    return fake::Run<BOOL>(fake::Files().FindNextFileA, 0, find, data);
 }
 
 BOOL FindClose(HANDLE find)
 {
     fake::Record("FindClose(find=" + fake::Pointer(find) + ")");
-    return Run<BOOL>(fake::Files().FindClose, 0, find);
+    return fake::Run<BOOL>(fake::Files().FindClose, 0, find);
 }
 
 BOOL Wow64DisableWow64FsRedirection(void** oldValue)
 {
     fake::Record("Wow64DisableWow64FsRedirection(oldValue=" + fake::Out(oldValue) + ")");
-    return Run<BOOL>(fake::Files().Wow64DisableWow64FsRedirection, 0, oldValue);
+    return fake::Run<BOOL>(fake::Files().Wow64DisableWow64FsRedirection, 0, oldValue);
 }
 
 BOOL Wow64RevertWow64FsRedirection(void* oldValue)
 {
     fake::Record("Wow64RevertWow64FsRedirection(oldValue=" + fake::Pointer(oldValue) + ")");
-    return Run<BOOL>(fake::Files().Wow64RevertWow64FsRedirection, 0, oldValue);
+    return fake::Run<BOOL>(fake::Files().Wow64RevertWow64FsRedirection, 0, oldValue);
 }
 
 }  // namespace zk64::platform

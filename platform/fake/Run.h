@@ -3,8 +3,6 @@
 // The fake operations' shared step: a scripted operation's answer, or
 // `failure` when the test left it unset.
 
-#include <string>
-
 namespace zk64::platform::fake {
 
 template <class Result, class Script, class... Args>
@@ -12,7 +10,5 @@ Result Run(Script const& script, Result failure, Args... args)
 {
     return script ? script(args...) : failure;
 }
-
-inline std::string Dec(unsigned long long value) { return std::to_string(value); }
 
 }  // namespace zk64::platform::fake

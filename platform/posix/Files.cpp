@@ -115,7 +115,7 @@ HANDLE FindFirstFileA(char const* pattern, FindDataA* data)
 {
     if (pattern == nullptr || data == nullptr) {
         errno = EINVAL;
-        return InvalidHandleValue();
+        return kInvalidHandleValue;
     }
     char const* slash = std::strrchr(pattern, '/');
     std::string const directory = slash == nullptr ? std::string(".")
@@ -126,21 +126,21 @@ HANDLE FindFirstFileA(char const* pattern, FindDataA* data)
     state->matchAll = state->namePattern == "*";
     if (state->namePattern.empty()) {
         errno = ENOENT;
-        return InvalidHandleValue();
+        return kInvalidHandleValue;
     }
     state->directory = opendir(directory.c_str());
-    if (state->directory == nullptr) return InvalidHandleValue();
+    if (state->directory == nullptr) return kInvalidHandleValue;
     if (!NextMatch(*state, data)) {
         closedir(state->directory);
         errno = ENOENT;
-        return InvalidHandleValue();
+        return kInvalidHandleValue;
     }
     return state.release();
 }
 
 BOOL FindNextFileA(HANDLE find, FindDataA* data)
 {
-    if (find == nullptr || find == InvalidHandleValue() || data == nullptr) {
+    if (find == nullptr || find == kInvalidHandleValue || data == nullptr) {
         errno = EBADF;
         return 0;
     }
@@ -151,7 +151,7 @@ BOOL FindNextFileA(HANDLE find, FindDataA* data)
 
 BOOL FindClose(HANDLE find)
 {
-    if (find == nullptr || find == InvalidHandleValue()) {
+    if (find == nullptr || find == kInvalidHandleValue) {
         errno = EBADF;
         return 0;
     }

@@ -21,7 +21,7 @@ static_assert(kFileAttributeReparsePoint == FILE_ATTRIBUTE_REPARSE_POINT);
 HANDLE FindFirstFileA(char const* pattern, FindDataA* data)
 {
     HANDLE const find = ::FindFirstFileA(pattern, reinterpret_cast<WIN32_FIND_DATAA*>(data));
-    return find == INVALID_HANDLE_VALUE ? InvalidHandleValue() : find;
+    return find == INVALID_HANDLE_VALUE ? kInvalidHandleValue : find;
 }
 
 BOOL FindNextFileA(HANDLE find, FindDataA* data)

@@ -53,7 +53,7 @@ public:
         fake::Files().Wow64RevertWow64FsRedirection = [](void*) { return 1; };
         fake::Files().FindFirstFileA = [this](char const* pattern, FindDataA* data) {
             auto const found = dirs.find(P(pattern));
-            if (found == dirs.end() || found->second.empty()) return platform::InvalidHandleValue();
+            if (found == dirs.end() || found->second.empty()) return platform::kInvalidHandleValue;
             cursors.push_back({&found->second, 0});
             Fill(cursors.back(), data);
             return reinterpret_cast<HANDLE>(0x100 + cursors.size() - 1);

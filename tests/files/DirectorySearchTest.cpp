@@ -98,21 +98,29 @@ TEST(DirectorySearch, RealTreesMatchTheFileSystemParentsFirst)
     fs::create_directories(deep);
     if (kSep == '/') tree.Write((deep / "below").string().substr(root.size() + 1), "x");
 
-    std::vector<std::string> roots = {root, LinkTree()};
-    if (kSep == '/' && fs::is_directory("/usr/include")) roots.push_back("/usr/include");  // large, with links
-    for (std::string const& dir : roots) {
+    // The link tree's oracle is written out: mingw's std::filesystem does
+    // not see links on Windows and would walk the cycle.
+    std::string const links = LinkTree();
+    std::vector<std::pair<std::string, std::set<Entry>>> roots = {
+        {root, Expected(root)},
+        {links,
+         {{links + kSep + "target", false}, {links + kSep + "target" + kSep + "inner.txt", true},
+          {links + kSep + "target" + kSep + "up", true}, {links + kSep + "link", true},
+          {links + kSep + "filelink", true}}}};
+    if (kSep == '/' && fs::is_directory("/usr/include")) {
+        roots.push_back({"/usr/include", Expected("/usr/include")});  // large, with links
+    }
+    for (auto const& [dir, expected] : roots) {
         ZKString const pattern = ConvertToSystemPath(dir.c_str());
         EXPECT_EQ(std::string(pattern.GetString()), Pattern(dir));
         ZKContainer<FileDataStruct> const all = GetFilesAndDirectoriesInDir(pattern, true);
-        std::set<Entry> const expected = Expected(dir);
         EXPECT_EQ(Reported(all), expected) << dir;
         ExpectParentsFirst(all, dir);
         unsigned long long files = 0, dirs = 0;
         GetNumberOfFilesAndDirs(pattern, files, dirs, true);
         EXPECT_EQ(files + dirs, expected.size()) << dir;
     }
-    EXPECT_EQ(GetNumberOfDirs(ZKString(Pattern(LinkTree()).c_str()), true), 1u) << "links are files";
-    EXPECT_TRUE(Expected(LinkTree()).count({LinkTree() + kSep + "link", true}));
+    EXPECT_EQ(GetNumberOfDirs(ZKString(Pattern(links).c_str()), true), 1u) << "links are files";
     EXPECT_EQ(GetNumberOfFiles(ZKString(Pattern(root).c_str()), false), 2u) << "hidden entries are reported";
     EXPECT_EQ(GetFilesInDir(Pattern(root + kSep + "empty").c_str(), true).GetItemCount(), 0u);
 }

@@ -19,7 +19,7 @@ namespace {
 
 HINSTANCE__* Module(std::uintptr_t value) { return reinterpret_cast<HINSTANCE__*>(value); }
 std::string Open(DWORD access, unsigned pid) { return "OpenProcess(access=" + fake::Hex(access) + ", inherit=0, pid=" + std::to_string(pid) + ")"; }
-std::string const kClose = "CloseHandle(0x44)";
+std::string const kClose = "CloseHandle(handle=0x44)";
 
 // A path of the platform's own form: "dir<sep>sub<sep>name".
 std::string PlatformPath(std::vector<std::string> const& parts)
@@ -132,7 +132,7 @@ TEST_F(ProcessCalls, IdentifierFormsOpenWithTheirWordAndAlwaysClose)
         fake::Processes().OpenProcess = nullptr;
         row.call();
         Calls failed{Open(row.rights, 9), "GetLastError()"};
-        if (row.closesAnyway) failed.push_back("CloseHandle(null)");
+        if (row.closesAnyway) failed.push_back("CloseHandle(handle=null)");
         EXPECT_EQ(fake::TakeCalls(), failed) << "no work after a failed open";
     }
     EXPECT_FALSE(GetProcessName(9ul, name));
@@ -399,7 +399,7 @@ TEST_F(ProcessCalls, CurrentProcessEnvironmentAndHandles)
     CloseProcessHandle(ProcessHandle{});
     CloseTokenHandle(TokenHandle{kHandle});
     EXPECT_EQ(fake::TakeCalls(), (Calls{"GetModuleHandleA(null)", "GetProcessId(0x44)",
-                                        "GetWindowThreadProcessId(window=0x99, pid=out)", "CloseHandle(null)", kClose}));
+                                        "GetWindowThreadProcessId(window=0x99, pid=out)", "CloseHandle(handle=null)", kClose}));
 }
 
 TEST_F(ProcessCalls, ShellLaunchVerbAndResult)

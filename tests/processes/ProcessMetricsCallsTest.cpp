@@ -72,7 +72,7 @@ TEST_F(MetricsCalls, IdentifierFormsOpenWithTheirWord)
         Calls const calls = fake::TakeCalls();
         ASSERT_EQ(calls.size(), 3u);
         EXPECT_EQ(calls.front(), "OpenProcess(access=" + fake::Hex(row.rights) + ", inherit=0, pid=9)");
-        EXPECT_EQ(calls.back(), "CloseHandle(0x44)");
+        EXPECT_EQ(calls.back(), "CloseHandle(handle=0x44)");
     }
     // A failed open gives each operation's failure value.
     fake::Processes().OpenProcess = nullptr;
