@@ -3,6 +3,7 @@
 
 #include "../DirectoryChanges.h"
 #include "Fake.h"
+#include "Run.h"
 
 namespace zk64::platform {
 
@@ -13,10 +14,7 @@ HANDLE CreateFileA(char const* path, DWORD desiredAccess, DWORD shareMode, void*
                  ", share=" + fake::Hex(shareMode) + ", attributes=" + fake::Pointer(securityAttributes) +
                  ", disposition=" + fake::Dec(creationDisposition) + ", flags=" + fake::Hex(flagsAndAttributes) +
                  ", template=" + fake::Pointer(templateFile) + ")");
-    auto& script = fake::DirectoryChanges().CreateFileA;
-    return script ? script(path, desiredAccess, shareMode, securityAttributes, creationDisposition, flagsAndAttributes,
-                           templateFile)
-                  : kInvalidHandleValue;
+    return fake::Run<HANDLE>(fake::DirectoryChanges().CreateFileA, kInvalidHandleValue, path, desiredAccess, shareMode, securityAttributes, creationDisposition, flagsAndAttributes, templateFile);
 }
 
 BOOL ReadDirectoryChangesW(HANDLE directory, void* buffer, DWORD bufferLength, BOOL watchSubtree, DWORD notifyFilter,
@@ -27,10 +25,7 @@ BOOL ReadDirectoryChangesW(HANDLE directory, void* buffer, DWORD bufferLength, B
                  ", filter=" + fake::Hex(notifyFilter) + ", bytes=" + fake::Out(bytesReturned) + ", overlapped=" +
                  (overlapped == nullptr ? std::string("null") : "{event=" + fake::Pointer(overlapped->hEvent) + "}") +
                  ", routine=" + fake::Pointer(completionRoutine) + ")");
-    auto& script = fake::DirectoryChanges().ReadDirectoryChangesW;
-    return script ? script(directory, buffer, bufferLength, watchSubtree, notifyFilter, bytesReturned, overlapped,
-                           completionRoutine)
-                  : 0;
+    return fake::Run<BOOL>(fake::DirectoryChanges().ReadDirectoryChangesW, 0, directory, buffer, bufferLength, watchSubtree, notifyFilter, bytesReturned, overlapped, completionRoutine);
 }
 
 }  // namespace zk64::platform

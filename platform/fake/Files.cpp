@@ -12,10 +12,7 @@ BOOL GetVolumeInformationA(char const* rootPath, char* volumeName, DWORD volumeN
 {
     fake::Record("GetVolumeInformationA(root=" + fake::Quoted(rootPath) + ", volumeName=" + fake::Out(volumeName) +
                  ", serial=" + fake::Out(serialNumber) + ", fileSystemName=" + fake::Out(fileSystemName) + ")");
-    auto& script = fake::Files().GetVolumeInformationA;
-    return script ? script(rootPath, volumeName, volumeNameSize, serialNumber, maximumComponentLength,
-                           fileSystemFlags, fileSystemName, fileSystemNameSize)
-                  : 0;
+    return fake::Run<BOOL>(fake::Files().GetVolumeInformationA, 0, rootPath, volumeName, volumeNameSize, serialNumber, maximumComponentLength, fileSystemFlags, fileSystemName, fileSystemNameSize);
 }
 
 HANDLE FindFirstFileA(char const* pattern, FindDataA* data)

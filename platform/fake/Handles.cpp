@@ -3,6 +3,7 @@
 
 #include "../Handles.h"
 #include "Fake.h"
+#include "Run.h"
 
 namespace zk64::platform {
 namespace {
@@ -19,37 +20,32 @@ HANDLE CreateEventA(void* securityAttributes, BOOL manualReset, BOOL initialStat
     fake::Record("CreateEventA(attributes=" + fake::Pointer(securityAttributes) + ", manualReset=" +
                  fake::Dec(static_cast<unsigned>(manualReset)) + ", initialState=" +
                  fake::Dec(static_cast<unsigned>(initialState)) + ", name=" + fake::Quoted(name) + ")");
-    auto& script = fake::Handles().CreateEventA;
-    return script ? script(securityAttributes, manualReset, initialState, name) : nullptr;
+    return fake::Run<HANDLE>(fake::Handles().CreateEventA, nullptr, securityAttributes, manualReset, initialState, name);
 }
 
 DWORD WaitForSingleObject(HANDLE handle, DWORD milliseconds)
 {
     fake::Record("WaitForSingleObject(handle=" + fake::Pointer(handle) + ", ms=" + fake::Dec(milliseconds) + ")");
-    auto& script = fake::Handles().WaitForSingleObject;
-    return script ? script(handle, milliseconds) : kWaitFailed;
+    return fake::Run<DWORD>(fake::Handles().WaitForSingleObject, kWaitFailed, handle, milliseconds);
 }
 
 BOOL ResetEvent(HANDLE event)
 {
     fake::Record("ResetEvent(handle=" + fake::Pointer(event) + ")");
-    auto& script = fake::Handles().ResetEvent;
-    return script ? script(event) : 0;
+    return fake::Run<BOOL>(fake::Handles().ResetEvent, 0, event);
 }
 
 BOOL CloseHandle(HANDLE handle)
 {
     fake::Record("CloseHandle(handle=" + fake::Pointer(handle) + ")");
-    auto& script = fake::Handles().CloseHandle;
-    return script ? script(handle) : 0;
+    return fake::Run<BOOL>(fake::Handles().CloseHandle, 0, handle);
 }
 
 BOOL GetOverlappedResult(HANDLE file, Overlapped* overlapped, DWORD* bytesTransferred, BOOL wait)
 {
     fake::Record("GetOverlappedResult(handle=" + fake::Pointer(file) + ", overlapped=" + Block(overlapped) +
                  ", bytes=" + fake::Out(bytesTransferred) + ", wait=" + fake::Dec(static_cast<unsigned>(wait)) + ")");
-    auto& script = fake::Handles().GetOverlappedResult;
-    return script ? script(file, overlapped, bytesTransferred, wait) : 0;
+    return fake::Run<BOOL>(fake::Handles().GetOverlappedResult, 0, file, overlapped, bytesTransferred, wait);
 }
 
 }  // namespace zk64::platform

@@ -6,6 +6,7 @@
 
 #include "../System.h"
 #include "Fake.h"
+#include "Run.h"
 
 namespace zk64::platform {
 namespace {
@@ -36,8 +37,7 @@ DWORD FormatMessageA(DWORD flags, void const* source, DWORD messageId, DWORD lan
     fake::Record("FormatMessageA(flags=" + fake::Hex(flags) + ", source=" + fake::Pointer(source) +
                  ", id=" + Dec(messageId) + ", language=" + fake::Hex(languageId) + ", size=" + Dec(size) +
                  ", arguments=" + fake::Pointer(arguments) + ")");
-    auto& script = fake::System().FormatMessageA;
-    return script ? script(flags, source, messageId, languageId, buffer, size, arguments) : 0;
+    return fake::Run<DWORD>(fake::System().FormatMessageA, 0, flags, source, messageId, languageId, buffer, size, arguments);
 }
 
 void* LocalFree(void* memory)
@@ -56,29 +56,25 @@ void GetNativeSystemInfo(NativeSystemInfo* info)
 BOOL GlobalMemoryStatusEx(MemoryStatusEx* status)
 {
     fake::Record("GlobalMemoryStatusEx(dwLength=" + Dec(status->dwLength) + ")");
-    auto& script = fake::System().GlobalMemoryStatusEx;
-    return script ? script(status) : 0;
+    return fake::Run<BOOL>(fake::System().GlobalMemoryStatusEx, 0, status);
 }
 
 BOOL GetComputerNameA(char* buffer, DWORD* size)
 {
     fake::Record("GetComputerNameA(size=" + Dec(*size) + ")");
-    auto& script = fake::System().GetComputerNameA;
-    return script ? script(buffer, size) : 0;
+    return fake::Run<BOOL>(fake::System().GetComputerNameA, 0, buffer, size);
 }
 
 BOOL GetUserNameA(char* buffer, DWORD* size)
 {
     fake::Record("GetUserNameA(size=" + Dec(*size) + ")");
-    auto& script = fake::System().GetUserNameA;
-    return script ? script(buffer, size) : 0;
+    return fake::Run<BOOL>(fake::System().GetUserNameA, 0, buffer, size);
 }
 
 BOOL IsDebuggerPresent()
 {
     fake::Record("IsDebuggerPresent()");
-    auto& script = fake::System().IsDebuggerPresent;
-    return script ? script() : 0;
+    return fake::Run<BOOL>(fake::System().IsDebuggerPresent, 0);
 }
 
 void OutputDebugStringA(char const* text) { fake::Record("OutputDebugStringA(" + fake::Quoted(text) + ")"); }
@@ -86,15 +82,13 @@ void OutputDebugStringA(char const* text) { fake::Record("OutputDebugStringA(" +
 BOOL QueryPerformanceCounter(long long* count)
 {
     fake::Record("QueryPerformanceCounter()");
-    auto& script = fake::System().QueryPerformanceCounter;
-    return script ? script(count) : 0;
+    return fake::Run<BOOL>(fake::System().QueryPerformanceCounter, 0, count);
 }
 
 BOOL QueryPerformanceFrequency(long long* frequency)
 {
     fake::Record("QueryPerformanceFrequency()");
-    auto& script = fake::System().QueryPerformanceFrequency;
-    return script ? script(frequency) : 0;
+    return fake::Run<BOOL>(fake::System().QueryPerformanceFrequency, 0, frequency);
 }
 
 void CpuId(unsigned int leaf, unsigned int registers[4])

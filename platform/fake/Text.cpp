@@ -2,6 +2,7 @@
 
 #include "../Text.h"
 #include "Fake.h"
+#include "Run.h"
 
 namespace zk64::platform {
 
@@ -12,8 +13,7 @@ int WideCharToMultiByte(unsigned int codePage, DWORD flags, WCHAR const* wide, i
                  ", count=" + std::to_string(wideCount) + ", bytes=" + fake::Out(bytes) +
                  ", size=" + std::to_string(byteCount) + ", defaultChar=" + fake::Pointer(defaultChar) +
                  ", usedDefault=" + fake::Out(usedDefaultChar) + ")");
-    auto& script = fake::Text().WideCharToMultiByte;
-    return script ? script(codePage, flags, wide, wideCount, bytes, byteCount, defaultChar, usedDefaultChar) : 0;
+    return fake::Run<int>(fake::Text().WideCharToMultiByte, 0, codePage, flags, wide, wideCount, bytes, byteCount, defaultChar, usedDefaultChar);
 }
 
 }  // namespace zk64::platform
