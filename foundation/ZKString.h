@@ -368,7 +368,15 @@ public:
                      unsigned long long const& flags) const;
 
 private:
-    std::unique_ptr<std::string> stringData;
+    // The text object lives in the library's string pool and goes back there.
+    struct TextRelease {
+        void operator()(std::string* text) const noexcept;
+    };
+    using TextPointer = std::unique_ptr<std::string, TextRelease>;
+    template <class... Args>
+    static TextPointer MakeText(Args&&... args);
+
+    TextPointer stringData;
 };
 
 // Both libraries export this instantiation. mingw's GCC neither exports the
