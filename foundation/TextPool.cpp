@@ -27,7 +27,7 @@ struct FreeBlock {
 };
 static_assert(sizeof(FreeBlock) <= kTextBlockSize);
 
-constexpr std::size_t kSlabBlocks = 4096;  // 128 KiB
+constexpr std::size_t kSlabBlocks = 4096;  // 128 KiB, the first block for the slab list
 constexpr std::size_t kSlabAlignment = 64;
 
 // Free blocks as a list with its length. A free block is poisoned as a whole;
@@ -103,7 +103,12 @@ public:
             auto* slab = static_cast<char*>(::operator new(kSlabBlocks * kTextBlockSize, std::align_val_t{kSlabAlignment}));
             guard.lock();
             if (slabNext == slabEnd) {
-                slabNext = slab;
+                // The first block links the slabs, so that every slab stays
+                // reachable from the depot itself, not only through links
+                // inside free (poisoned) blocks.
+                *reinterpret_cast<char**>(slab) = slabs;
+                slabs = slab;
+                slabNext = slab + kTextBlockSize;
                 slabEnd = slab + kSlabBlocks * kTextBlockSize;
             } else {
                 // Another thread brought a slab in the meantime.
@@ -133,6 +138,7 @@ private:
     FreeBlock* magazines = nullptr;
     unsigned long long magazineCount = 0;
     Stack loose;
+    char* slabs = nullptr;  // the newest slab; each starts with the link to the one before
     char* slabNext = nullptr;
     char* slabEnd = nullptr;
     unsigned long long carved = 0;

@@ -39,6 +39,10 @@
 #  define ZK_SCANF_LIKE(formatIndex, firstIndex) __attribute__((__format__(scanf, formatIndex, firstIndex)))
 #endif
 
+namespace zk64::detail {
+struct TextAccess;
+}
+
 class ZK_API ZKString {
 public:
     ZKString();
@@ -368,6 +372,8 @@ public:
                      unsigned long long const& flags) const;
 
 private:
+    friend struct zk64::detail::TextAccess;
+
     // The text object lives in the library's string pool and goes back there.
     struct TextRelease {
         void operator()(std::string* text) const noexcept;

@@ -6,6 +6,7 @@
 
 #include <zk64/zk64.h>
 
+#include <cstdio>
 #include <memory>
 #include <thread>
 #include <vector>
@@ -83,3 +84,18 @@ TEST(TextPool, OneThreadReusesItsOwnBlocks)
 }
 
 }  // namespace
+
+#if defined(__SANITIZE_ADDRESS__)
+// A block back in the pool is poisoned: a use of a dropped string's object
+// is still reported.
+TEST(TextPoolDeathTest, AReleasedBlockIsPoisoned)
+{
+    EXPECT_DEATH(
+        {
+            void* const block = zk64::detail::AcquireTextBlock();
+            zk64::detail::ReleaseTextBlock(block);
+            std::printf("%d\n", *static_cast<volatile char*>(block));
+        },
+        "use-after-poison");
+}
+#endif
