@@ -34,5 +34,7 @@
 #include "processes/ZKProcess.h"
 #include "processes/ZKProcessMetrics.h"
 #include "processes/ZKProcessMemory.h"
+#include "processes/ZKProcessPackages.h"
+#include "processes/ZKProcessIcons.h"
 #include "readers/ZKPERecords.h"
 #include "readers/ZKPEParser.h"
