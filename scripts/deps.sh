@@ -5,7 +5,7 @@
 set -euo pipefail
 
 profile=${1:-all}
-packages=(cmake ninja-build g++ make pkg-config googletest libgtest-dev libbenchmark-dev libtbb-dev libtinyxml2-dev
+packages=(cmake ninja-build g++ make pkg-config googletest libgtest-dev libbenchmark-dev libtbb-dev libmimalloc-dev libtinyxml2-dev
           bfs fd-find dpkg-dev)  # the last two: yardsticks of the directory-search benchmark
 if [ "$profile" = all ]; then
     packages+=(g++-mingw-w64-x86-64-posix gcc-mingw-w64-i686-posix wine wine64 xvfb xauth clang libclang-rt-14-dev)
