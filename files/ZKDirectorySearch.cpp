@@ -2,8 +2,11 @@
 
 #include <cstring>
 #include <stdexcept>
+#include <string>
+#include <vector>
 
 #include "../foundation/detail/Globals.h"
+#include "../foundation/detail/ListFill.h"
 #include "../platform/Files.h"
 #include "detail/DirectorySearch.h"
 
@@ -26,13 +29,27 @@ bool IsExcluded(ZKString const& subpattern)
     return false;
 }
 
+// An entry found for a list that is filled at the end.
+struct FoundEntry {
+    std::string dir;
+    std::string name;
+    bool isAFile;
+};
+
 // One directory level. `directory` is the pattern with its last two
-// characters cut; `record` is scratch space reused for every push.
+// characters cut; `record` is scratch space reused for every push. With
+// `found`, the entries are kept there instead of pushed.
 class DirectoryWalk {
 public:
     DirectoryWalk(ZKString const& nameSequence, ZKContainer<FileDataStruct>* out, unsigned long long* dirCounter,
-                  unsigned long long* fileCounter, unsigned long long searchFlags)
-        : sequence(nameSequence), results(out), dirCount(dirCounter), fileCount(fileCounter), flags(searchFlags)
+                  unsigned long long* fileCounter, unsigned long long searchFlags,
+                  std::vector<FoundEntry>* foundEntries)
+        : sequence(nameSequence),
+          results(out),
+          found(foundEntries),
+          dirCount(dirCounter),
+          fileCount(fileCounter),
+          flags(searchFlags)
     {
     }
 
@@ -98,6 +115,10 @@ private:
     void Push(ZKString const& directory, char const* name, bool isAFile)
     {
         if (results == nullptr) return;
+        if (found != nullptr) {
+            found->push_back({directory.GetString(), name, isAFile});
+            return;
+        }
         record.SetDir(directory.GetString());
         record.SetName(name);
         record.SetIsAFile(isAFile);
@@ -106,6 +127,7 @@ private:
 
     ZKString const& sequence;
     ZKContainer<FileDataStruct>* results;
+    std::vector<FoundEntry>* found;
     unsigned long long* dirCount;
     unsigned long long* fileCount;
     unsigned long long flags;
@@ -119,7 +141,29 @@ void SearchDirectoryEntries(ZKString const& pattern, ZKString const& sequence, Z
 {
     if (Has(flags, SEARCH_COUNT_DIRS) && dirCount == nullptr) return;
     if (Has(flags, SEARCH_COUNT_FILES) && fileCount == nullptr) return;
-    DirectoryWalk(sequence, results, dirCount, fileCount, flags).Search(pattern);
+    if (results == nullptr || !IsUnusedList(*results)) {
+        DirectoryWalk(sequence, results, dirCount, fileCount, flags, nullptr).Search(pattern);
+        return;
+    }
+    // A list nobody has used yet is filled at the end, grown once; also
+    // when the walk stops with an exception, with what it found so far.
+    std::vector<FoundEntry> found;
+    FileDataStruct record;
+    auto const fill = [&] {
+        FillUnusedList(*results, found, [&record](ZKContainer<FileDataStruct>& list, FoundEntry const& entry) {
+            record.SetDir(entry.dir.c_str());
+            record.SetName(entry.name.c_str());
+            record.SetIsAFile(entry.isAFile);
+            list.PushBack(record);
+        });
+    };
+    try {
+        DirectoryWalk(sequence, results, dirCount, fileCount, flags, &found).Search(pattern);
+    } catch (...) {
+        fill();
+        throw;
+    }
+    fill();
 }
 
 }  // namespace zk64::detail

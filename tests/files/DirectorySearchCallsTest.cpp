@@ -310,3 +310,34 @@ TEST(ConvertToSystemPath, LoosePathsBecomeSearchPatterns)
         EXPECT_STREQ(ConvertToSystemPath(ZKString(row.in)).GetString(), row.out) << row.in;
     }
 }
+
+// A list the search fills for a caller who has not used it is grown once at
+// the end; slot for slot it must match one filled push by push (a list of a
+// derived type always takes the pushes), the doublings' slot 0 included.
+TEST_F(DirectorySearchCalls, OneGoFillMatchesPushesSlotForSlot)
+{
+    struct PushedList : ZKContainer<FileDataStruct> {};
+    for (int files : {3, 511, 512, 513, 1300}) {
+        FakeTree::Entries entries{{"Sub", kDir}};
+        for (int i = 0; i < files; ++i) {
+            std::string name = "f";
+            name += std::to_string(i);
+            entries.push_back({name, kFile});
+        }
+        FakeTree tree({{P("R/*"), entries}, {P("R/Sub/*"), {{"s", kFile}}}});
+        ZKContainer<FileDataStruct> grown;
+        PushedList pushed;
+        for (ZKContainer<FileDataStruct>* list : {static_cast<ZKContainer<FileDataStruct>*>(&pushed), &grown})
+            zk64::detail::SearchDirectoryEntries(ZKString(P("R/*").c_str()), ZKString(), list, nullptr, nullptr,
+                                                 zk64::detail::SEARCH_FILES_AND_DIRS | zk64::detail::SEARCH_RECURSIVE);
+        ASSERT_EQ(grown.GetMaxItemCount(), pushed.GetMaxItemCount()) << files;
+        ASSERT_EQ(grown.GetItemCount(), pushed.GetItemCount()) << files;
+        for (unsigned long long i = 0; i < grown.GetMaxItemCount(); ++i) {
+            FileDataStruct& a = grown[i];
+            FileDataStruct& b = pushed[i];
+            ASSERT_EQ(std::string(a.GetDir()) + "|" + a.GetName() + (a.IsAFile() ? "|F" : "|D"),
+                      std::string(b.GetDir()) + "|" + b.GetName() + (b.IsAFile() ? "|F" : "|D"))
+                << files << " files, slot " << i;
+        }
+    }
+}
