@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <zk64/foundation/detail/ListFill.h>
 #include <zk64/foundation/detail/StringExtractor.h>
 
 #include <random>
@@ -155,4 +156,27 @@ TEST(StringExtractModel, OneGoFillMatchesPushesSlotForSlot)
             }
         }
     }
+}
+
+// Which lists take the one-go fill: only a plain, growing, non-empty-capacity
+// list that is empty in the state its construction or a Clear leaves.
+TEST(StringExtractModel, OnlyUnusedListsAreFilledInOneGo)
+{
+    struct Derived : ZKContainer<ZKString> {};
+    ZKContainer<ZKString> fresh, cleared, fixed, popped, holding, none(0);
+    Derived derived;
+    cleared.PushBack("x");
+    cleared.Clear();
+    fixed.SetContainerAutoResize(false);
+    popped.PushBack("x");
+    popped.PopFront();
+    holding.PushBack("x");
+    struct Row {
+        char const* what;
+        ZKContainer<ZKString> const& list;
+        bool unused;
+    } const rows[] = {{"fresh", fresh, true},      {"cleared", cleared, true},  {"derived", derived, false},
+                      {"not growing", fixed, false}, {"emptied by a pop", popped, false},
+                      {"holding an item", holding, false}, {"capacity 0", none, false}};
+    for (Row const& row : rows) EXPECT_EQ(zk64::detail::IsUnusedList(row.list), row.unused) << row.what;
 }
