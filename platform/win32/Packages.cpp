@@ -17,7 +17,7 @@ namespace zk64::platform {
 static_assert(sizeof(PackageInfo) == 80, "the first GetPackageInfo buffer holds exactly one record");
 static_assert(offsetof(PackageInfo, packageId) == 32);
 static_assert(offsetof(PackageId, name) == 16);
-static_assert(kHresultInsufficientBuffer == static_cast<HRESULT32>(HRESULT_FROM_WIN32(ERROR_INSUFFICIENT_BUFFER)));
+static_assert(ERROR_INSUFFICIENT_BUFFER == 122 && APPMODEL_ERROR_NO_PACKAGE == kAppModelErrorNoPackage);
 
 namespace {
 

@@ -129,6 +129,7 @@ class DumpCalls : public FakeTest {
 protected:
     BOOL dumped = 1;
     BOOL selfWow64 = 0;
+    bool targetAnswers = true;  // whether IsWow64Process answers for the target
 
     void SetUp() override
     {
@@ -139,6 +140,7 @@ protected:
         fake::Processes().GetCurrentProcessId = [] { return DWORD{5}; };
         fake::Processes().OpenProcess = [](DWORD, BOOL, DWORD pid) { return pid == 5 ? kSelf : kHandle; };
         fake::Processes().IsWow64Process = [this](HANDLE process, BOOL* wow64) {
+            if (process != kSelf && !targetAnswers) return 0;
             *wow64 = process == kSelf ? selfWow64 : 0;
             return 1;
         };
@@ -196,13 +198,17 @@ TEST_F(DumpCalls, ThirtyTwoBitCallerRefusesSixtyFourBitTarget)
 {
     struct Row {
         BOOL selfWow64;
+        bool targetAnswers;
         bool selfOpens;
         bool dumps;
     };
-    // Under WOW64 the caller is 32-bit and the native target out of reach;
-    // a caller that cannot open itself skips the guard.
-    for (Row const row : {Row{1, true, false}, Row{0, true, true}, Row{1, false, true}}) {
+    // Under WOW64 the caller is 32-bit and the native target out of reach,
+    // also when the target's flag cannot be read (it stays 0); a caller that
+    // cannot open itself skips the guard.
+    for (Row const row : {Row{1, true, true, false}, Row{1, false, true, false}, Row{0, true, true, true},
+                          Row{1, true, false, true}}) {
         selfWow64 = row.selfWow64;
+        targetAnswers = row.targetAnswers;
         if (!row.selfOpens) {
             fake::Processes().OpenProcess = [](DWORD, BOOL, DWORD pid) { return pid == 5 ? nullptr : kHandle; };
         }

@@ -110,6 +110,8 @@ TEST(ProcessIcons, StockIconsAndExecutableIcons)
     EXPECT_NE(withIcon, nullptr);
     DestroyProcessIcon(withIcon);
     EXPECT_EQ(GetExeFileIcon(ChildProcess::Path().c_str()), nullptr) << "a program without icon resources";
+    // For a missing file Wine answers both ExtractIconExA calls with all ones
+    // and leaves the icon null.
     EXPECT_EQ(GetExeFileIcon(SiblingOfChild("missing.exe").c_str()), nullptr);
     EXPECT_EQ(GetExeFileIcon(ZKString(std::string(300, 'a').c_str())), nullptr);
     DestroyProcessIcon(nullptr);
