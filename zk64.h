@@ -36,3 +36,6 @@
 #include "processes/ZKProcessMemory.h"
 #include "readers/ZKPERecords.h"
 #include "readers/ZKPEParser.h"
+#include "desktop/ZKInput.h"
+#include "desktop/ZKWindowMessages.h"
+#include "desktop/ZKShellInterfaces.h"

@@ -18,6 +18,8 @@ struct State {
     ProcessesScript processes;
     SecurityScript security;
     MemoryScript memory;
+    InputScript input;
+    ShellScript shell;
 };
 
 // Built on first use: the fake has no start-up order to respect.
@@ -45,6 +47,8 @@ TextScript& Text() { return Shared().text; }
 ProcessesScript& Processes() { return Shared().processes; }
 SecurityScript& Security() { return Shared().security; }
 MemoryScript& Memory() { return Shared().memory; }
+InputScript& InputOperations() { return Shared().input; }
+ShellScript& Shell() { return Shared().shell; }
 
 void Reset()
 {
@@ -60,6 +64,8 @@ void Reset()
     Shared().processes = ProcessesScript{};
     Shared().security = SecurityScript{};
     Shared().memory = MemoryScript{};
+    Shared().input = InputScript{};
+    Shared().shell = ShellScript{};
     SetLastErrorValue(0);
 }
 
