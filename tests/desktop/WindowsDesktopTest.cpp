@@ -34,18 +34,19 @@ TEST(WindowsInput, SmallMovesArriveExactlyAndButtonsPressAndRelease)
     EXPECT_EQ(Cursor().y, 151);
 
     // The button events carry their arguments but do not move.
-    SendMouseLeftDownMsg(40, 40);
-    EXPECT_NE(GetAsyncKeyState(VK_LBUTTON) & 0x8000, 0);
-    SendMouseLeftUpMsg(40, 40);
-    EXPECT_EQ(GetAsyncKeyState(VK_LBUTTON) & 0x8000, 0);
-    SendMouseRightDownMsg(0, 0);
-    EXPECT_NE(GetAsyncKeyState(VK_RBUTTON) & 0x8000, 0);
-    SendMouseRightUpMsg(0, 0);
-    EXPECT_EQ(GetAsyncKeyState(VK_RBUTTON) & 0x8000, 0);
-    SendMouseMiddleDownMsg(0, 0);
-    EXPECT_NE(GetAsyncKeyState(VK_MBUTTON) & 0x8000, 0);
-    SendMouseMiddleUpMsg(0, 0);
-    EXPECT_EQ(GetAsyncKeyState(VK_MBUTTON) & 0x8000, 0);
+    struct Button {
+        void (*down)(long, long);
+        void (*up)(long, long);
+        int key;
+    };
+    for (Button const& button : {Button{SendMouseLeftDownMsg, SendMouseLeftUpMsg, VK_LBUTTON},
+                                 Button{SendMouseRightDownMsg, SendMouseRightUpMsg, VK_RBUTTON},
+                                 Button{SendMouseMiddleDownMsg, SendMouseMiddleUpMsg, VK_MBUTTON}}) {
+        button.down(40, 40);
+        EXPECT_NE(GetAsyncKeyState(button.key) & 0x8000, 0) << button.key;
+        button.up(40, 40);
+        EXPECT_EQ(GetAsyncKeyState(button.key) & 0x8000, 0) << button.key;
+    }
     SendMouseWheelForwardMsg(40, 40);
     SendMouseWheelBackwardMsg(40, 40);
     SendMouseWheelLeftMsg(40, 40);
