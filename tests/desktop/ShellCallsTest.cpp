@@ -80,7 +80,7 @@ TEST_F(ShellInterfaces, AnInitialisationNotOursIsNeverUndoneByARelease)
 {
     // S_FALSE: the thread had the component system already; its count is
     // given back at once. A failure still lets the creation run.
-    for (platform::HRESULT initResult : {platform::kSFalse, static_cast<platform::HRESULT>(0x80010106u), 2}) {
+    for (platform::HRESULT initResult : {platform::kSFalse, static_cast<platform::HRESULT>(0x80010106u), platform::HRESULT{2}}) {
         SCOPED_TRACE(initResult);
         Script(initResult);
         for (Kind const& kind : kKinds) EXPECT_EQ(kind.get(), kind.object);
