@@ -3,14 +3,16 @@
 // (null graphics driver) in the project's tests; where Wine answers unlike
 // Windows, the test says so and checks Wine's answer.
 
+// The library's header first: its declarations of the shell interfaces
+// must agree with the definitions that <shobjidl.h> brings afterwards.
+#include <zk64/zk64.h>
+
 #include <windows.h>
 
 #include <objbase.h>
 #include <shobjidl.h>
 
 #include <gtest/gtest.h>
-
-#include <zk64/zk64.h>
 
 namespace {
 
@@ -123,6 +125,9 @@ TEST(WindowsShell, JumpListAndNotificationObjects)
         // answers E_NOTIMPL; and it has no user notification class.
         EXPECT_EQ(begun, E_NOTIMPL);
         EXPECT_EQ(notification, nullptr);
+        void* direct = nullptr;
+        EXPECT_EQ(CoCreateInstance(CLSID_UserNotification, nullptr, CLSCTX_ALL, IID_IUserNotification, &direct),
+                  REGDB_E_CLASSNOTREG);
     } else {
         EXPECT_EQ(begun, S_OK);
         if (removed != nullptr) removed->Release();
