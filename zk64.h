@@ -38,3 +38,6 @@
 #include "processes/ZKProcessIcons.h"
 #include "readers/ZKPERecords.h"
 #include "readers/ZKPEParser.h"
+#include "desktop/ZKInput.h"
+#include "desktop/ZKWindowMessages.h"
+#include "desktop/ZKShellInterfaces.h"

@@ -20,6 +20,8 @@ struct State {
     MemoryScript memory;
     PackagesScript packages;
     IconsScript icons;
+    InputScript input;
+    ShellScript shell;
 };
 
 // Built on first use: the fake has no start-up order to respect.
@@ -49,6 +51,8 @@ SecurityScript& Security() { return Shared().security; }
 MemoryScript& Memory() { return Shared().memory; }
 PackagesScript& Packages() { return Shared().packages; }
 IconsScript& Icons() { return Shared().icons; }
+InputScript& InputOperations() { return Shared().input; }
+ShellScript& Shell() { return Shared().shell; }
 
 void Reset()
 {
@@ -66,6 +70,8 @@ void Reset()
     Shared().memory = MemoryScript{};
     Shared().packages = PackagesScript{};
     Shared().icons = IconsScript{};
+    Shared().input = InputScript{};
+    Shared().shell = ShellScript{};
     SetLastErrorValue(0);
 }
 

@@ -23,10 +23,12 @@
 
 #include "../Files.h"
 #include "../Icons.h"
+#include "../Input.h"
 #include "../Memory.h"
 #include "../Packages.h"
 #include "../Processes.h"
 #include "../Security.h"
+#include "../Shell.h"
 #include "../PlatformTypes.h"
 
 namespace zk64::platform::fake {
@@ -156,6 +158,23 @@ struct TextScript {
 HandlesScript& Handles();
 DirectoryChangesScript& DirectoryChanges();
 TextScript& Text();
+
+// Input and component objects. Unset, CoInitialize answers E_FAIL and
+// CoCreateInstance REGDB_E_CLASSNOTREG, leaving *object alone.
+struct InputScript {
+    std::function<UINT(UINT count, Input const* inputs, int size)> SendInput;
+    std::function<BOOL(RawInputDevice const* devices, UINT count, UINT size)> RegisterRawInputDevices;
+    std::function<UINT(char const* name)> RegisterWindowMessageA;
+};
+struct ShellScript {
+    std::function<HRESULT(void* reserved)> CoInitialize;
+    std::function<HRESULT(Guid const& classId, Guid const& interfaceId, void** object)> CoCreateInstance;
+    std::function<ULONG(void* object)> ReleaseComObject;
+};
+InputScript& InputOperations();
+ShellScript& Shell();
+// A GUID in its registry form, "{XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX}".
+std::string GuidText(Guid const& guid);
 
 // Forgets the recorded calls and every script, and sets the last error to 0.
 void Reset();
