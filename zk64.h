@@ -34,5 +34,6 @@
 #include "processes/ZKProcess.h"
 #include "processes/ZKProcessMetrics.h"
 #include "processes/ZKProcessMemory.h"
+#include "desktop/ZKWindow.h"
 #include "readers/ZKPERecords.h"
 #include "readers/ZKPEParser.h"

@@ -11,9 +11,10 @@
 #include "../foundation/ZKExport.h"
 #include "../foundation/ZKString.h"
 
-// Window and module handles, as <windows.h> declares them.
+// Window, module and icon handles, as <windows.h> declares them.
 struct HWND__;
 struct HINSTANCE__;
+struct HICON__;
 
 struct ProcessHandle {
     void* handle = nullptr;

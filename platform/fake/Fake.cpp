@@ -1,5 +1,7 @@
 #include "Fake.h"
 
+#include "DesktopScript.h"
+
 #include <cstdio>
 #include <cstring>
 #include <mutex>
@@ -18,6 +20,7 @@ struct State {
     ProcessesScript processes;
     SecurityScript security;
     MemoryScript memory;
+    DesktopScript desktop;
 };
 
 // Built on first use: the fake has no start-up order to respect.
@@ -45,6 +48,7 @@ TextScript& Text() { return Shared().text; }
 ProcessesScript& Processes() { return Shared().processes; }
 SecurityScript& Security() { return Shared().security; }
 MemoryScript& Memory() { return Shared().memory; }
+DesktopScript& Desktop() { return Shared().desktop; }
 
 void Reset()
 {
@@ -60,6 +64,7 @@ void Reset()
     Shared().processes = ProcessesScript{};
     Shared().security = SecurityScript{};
     Shared().memory = MemoryScript{};
+    Shared().desktop = DesktopScript{};
     SetLastErrorValue(0);
 }
 

@@ -26,6 +26,7 @@
 #include "../Processes.h"
 #include "../Security.h"
 #include "../PlatformTypes.h"
+#include "DesktopScript.h"  // Desktop(): the window operations
 
 namespace zk64::platform::fake {
 
