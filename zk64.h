@@ -34,6 +34,8 @@
 #include "processes/ZKProcess.h"
 #include "processes/ZKProcessMetrics.h"
 #include "processes/ZKProcessMemory.h"
+#include "processes/ZKProcessPackages.h"
+#include "processes/ZKProcessIcons.h"
 #include "desktop/ZKWindow.h"
 #include "readers/ZKPERecords.h"
 #include "readers/ZKPEParser.h"

@@ -19,6 +19,16 @@ foreach(subsystem IN LISTS ZK64_SUBSYSTEMS)
         PATTERN "detail" EXCLUDE)
 endforeach()
 
+# Natively tinyxml2 is Debian's shared library, which consumers' links must
+# find; the Windows DLL holds its own static copy.
+if(ZK64_TINYXML2_SHARED)
+    set(ZK64_CONFIG_DEPENDENCIES "find_dependency(tinyxml2 CONFIG)")
+    set(ZK64_PC_REQUIRES_PRIVATE "Requires.private: tinyxml2")
+else()
+    set(ZK64_CONFIG_DEPENDENCIES "")
+    set(ZK64_PC_REQUIRES_PRIVATE "")
+endif()
+
 set(ZK64_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/zk64)
 install(EXPORT zk64Targets NAMESPACE zk64:: DESTINATION ${ZK64_CMAKE_DIR})
 configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/zk64Config.cmake.in

@@ -9,6 +9,7 @@
 #include "../diagnostics/ZKDebug.h"
 #include "../platform/Desktop.h"
 #include "../platform/Processes.h"
+#include "../processes/ZKProcessPackages.h"
 #include "../processes/detail/ProcessAccess.h"
 
 namespace platform = zk64::platform;
@@ -202,6 +203,15 @@ bool IsAltTabWindow(HWND__* const window)
 
 bool IsWindowMinimized(HWND__* const window) { return platform::IsIconic(window) != 0; }
 bool IsWindowMaximized(HWND__* const window) { return platform::IsZoomed(window) != 0; }
+
+bool IsWindowUniversalWindowsPlatform(HWND__* const window)
+{
+    if (window == nullptr) return false;
+    platform::DWORD pid = 0;
+    platform::GetWindowThreadProcessId(window, &pid);
+    return zk64::detail::WithProcess(static_cast<unsigned long>(pid), zk64::detail::kWordQuery, false,
+                                     [](ProcessHandle process) { return IsProcessUniversalWindowsPlatform(process); });
+}
 
 bool IsInvisibleWin10BackgroundAppWindow(HWND__* const window)
 {

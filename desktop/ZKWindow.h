@@ -102,6 +102,9 @@ ZK_API void RestoreWindow(HWND__* const window);
 ZK_API bool IsAltTabWindow(HWND__* const window);
 ZK_API bool IsWindowMinimized(HWND__* const window);
 ZK_API bool IsWindowMaximized(HWND__* const window);
+// Whether the window's process is a packaged application (opened with word
+// 0x8 for the time of the call); false for a null window.
+ZK_API bool IsWindowUniversalWindowsPlatform(HWND__* const window);
 // Cloaked by the compositor, for whatever reason (a suspended packaged
 // application's window, a window on another virtual desktop, ...).
 ZK_API bool IsInvisibleWin10BackgroundAppWindow(HWND__* const window);

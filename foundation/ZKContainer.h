@@ -171,12 +171,17 @@ ZKContainer<T>::ZKContainer() : ZKContainer(512)
 {
 }
 
+// The state Reserve(maxItems) leaves an empty container in, built at once:
+// maxItems default slots (one for a capacity of 0), nothing constructed twice.
 template <class T>
 ZKContainer<T>::ZKContainer(unsigned long long maxItems)
-    : flagsData(0), maxItemCount(0), backSlot(1), frontSlot(0), itemCount(0), items(1)
+    : flagsData(kAutoResizeBit),
+      maxItemCount(maxItems),
+      backSlot(1),
+      frontSlot(0),
+      itemCount(0),
+      items(maxItems == 0 ? 1 : maxItems)
 {
-    Reserve(maxItems);
-    flagsData |= kAutoResizeBit;
 }
 
 template <class T>

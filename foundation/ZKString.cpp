@@ -3,6 +3,7 @@
 #include <cstring>
 #include <stdexcept>
 
+#include "detail/TextPool.h"
 #include "detail/Utf.h"
 
 #if defined(_WIN32)
@@ -57,38 +58,57 @@ std::size_t WideLength(ZKWideChar const* text)
 
 }  // namespace
 
-ZKString::ZKString() : stringData(std::make_unique<std::string>()) {}
+void ZKString::TextRelease::operator()(std::string* text) const noexcept
+{
+    text->~basic_string();
+    zk64::detail::ReleaseTextBlock(text);
+}
+
+template <class... Args>
+ZKString::TextPointer ZKString::MakeText(Args&&... args)
+{
+    static_assert(sizeof(std::string) <= zk64::detail::kTextBlockSize);
+    void* const block = zk64::detail::AcquireTextBlock();
+    try {
+        return TextPointer(new (block) std::string(std::forward<Args>(args)...));
+    } catch (...) {
+        zk64::detail::ReleaseTextBlock(block);
+        throw;
+    }
+}
+
+ZKString::ZKString() : stringData(MakeText()) {}
 
 ZKString::ZKString(ZKString const& other)
-    : stringData(std::make_unique<std::string>(other.stringData->data(), CutLength(*other.stringData)))
+    : stringData(MakeText(other.stringData->data(), CutLength(*other.stringData)))
 {
 }
 
-ZKString::ZKString(ZKString const& other, int length) : stringData(std::make_unique<std::string>())
+ZKString::ZKString(ZKString const& other, int length) : stringData(MakeText())
 {
     AssignPadded(*stringData, *other.stringData, CheckedLength(length));
 }
 
-ZKString::ZKString(ZKString&& other) : stringData(std::make_unique<std::string>(std::move(*other.stringData)))
+ZKString::ZKString(ZKString&& other) : stringData(MakeText(std::move(*other.stringData)))
 {
     other.stringData->clear();
 }
 
-ZKString::ZKString(char const* text) : stringData(std::make_unique<std::string>(text)) {}
+ZKString::ZKString(char const* text) : stringData(MakeText(text)) {}
 
-ZKString::ZKString(char const* text, int length) : stringData(std::make_unique<std::string>())
+ZKString::ZKString(char const* text, int length) : stringData(MakeText())
 {
     stringData->assign(text, CheckedLength(length));
 }
 
-ZKString::ZKString(char c) : stringData(std::make_unique<std::string>(1, c)) {}
+ZKString::ZKString(char c) : stringData(MakeText(1, c)) {}
 
-ZKString::ZKString(ZKWideChar const* text) : stringData(std::make_unique<std::string>())
+ZKString::ZKString(ZKWideChar const* text) : stringData(MakeText())
 {
     SetString(text);
 }
 
-ZKString::ZKString(ZKWideChar const* text, int length) : stringData(std::make_unique<std::string>())
+ZKString::ZKString(ZKWideChar const* text, int length) : stringData(MakeText())
 {
     SetString(text, length);
 }

@@ -39,6 +39,10 @@
 #  define ZK_SCANF_LIKE(formatIndex, firstIndex) __attribute__((__format__(scanf, formatIndex, firstIndex)))
 #endif
 
+namespace zk64::detail {
+struct TextAccess;
+}
+
 class ZK_API ZKString {
 public:
     ZKString();
@@ -368,7 +372,17 @@ public:
                      unsigned long long const& flags) const;
 
 private:
-    std::unique_ptr<std::string> stringData;
+    friend struct zk64::detail::TextAccess;
+
+    // The text object lives in the library's string pool and goes back there.
+    struct TextRelease {
+        void operator()(std::string* text) const noexcept;
+    };
+    using TextPointer = std::unique_ptr<std::string, TextRelease>;
+    template <class... Args>
+    static TextPointer MakeText(Args&&... args);
+
+    TextPointer stringData;
 };
 
 // Both libraries export this instantiation. mingw's GCC neither exports the

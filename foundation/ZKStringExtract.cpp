@@ -43,8 +43,11 @@
 #include <bit>
 #include <cstdint>
 #include <cstring>
+#include <string>
+#include <vector>
 
 #include "ZKString.h"
+#include "detail/ListFill.h"
 #include "detail/StringExtractor.h"
 
 #if defined(__x86_64__) || defined(_M_X64)
@@ -65,8 +68,11 @@ constexpr auto const& kPrintable = kPrintableBytes;
 
 class RunMachine {
 public:
-    RunMachine(unsigned int minimumLength, bool findWide, ZKContainer<ZKString>& out)
-        : minimum(minimumLength), wide(findWide), items(out)
+    // Pushes every item to `out`, or with `collected` appends them there
+    // instead, as the texts the pushes would have given.
+    RunMachine(unsigned int minimumLength, bool findWide, ZKContainer<ZKString>& out,
+               std::vector<std::string>* collected = nullptr)
+        : minimum(minimumLength), wide(findWide), items(out), texts(collected)
     {
     }
 
@@ -170,6 +176,11 @@ private:
     void Emit(unsigned long long length)
     {
         std::size_t const n = static_cast<std::size_t>(std::min(length, kRunLimit));
+        if (texts != nullptr) {
+            std::string& text = texts->emplace_back(reinterpret_cast<char const*>(run.data()), 2 * n);
+            if (n > 0) text[n] = 0;
+            return;
+        }
         item.SetString(reinterpret_cast<char const*>(run.data()), static_cast<int>(2 * n));
         if (n > 0) item[static_cast<unsigned int>(n)] = 0;
         items.PushBack(item);
@@ -178,6 +189,7 @@ private:
     unsigned long long const minimum;
     bool const wide;
     ZKContainer<ZKString>& items;
+    std::vector<std::string>* const texts;
     ZKString item;  // reused for every push
     unsigned long long count = 0;
     unsigned char previous = 0;
@@ -383,7 +395,11 @@ bool HasAvx2()
 void ExtractStrings(unsigned char const* data, std::size_t size, unsigned int minimumLength, bool findWide,
                     ZKContainer<ZKString>& out, bool allowWideVectors)
 {
-    RunMachine machine(minimumLength, findWide, out);
+    // A list the caller made for this call is filled in one go at the end:
+    // no doubling of its storage on the way.
+    std::vector<std::string> collected;
+    bool const collect = IsUnusedList(out);
+    RunMachine machine(minimumLength, findWide, out, collect ? &collected : nullptr);
 #if defined(ZK64_EXTRACT_X86)
     if (allowWideVectors && HasAvx2()) ExtractBlocksAvx2(data, size, machine, minimumLength);
     else ExtractBlocksSse2(data, size, machine, minimumLength);
@@ -391,6 +407,7 @@ void ExtractStrings(unsigned char const* data, std::size_t size, unsigned int mi
     (void)allowWideVectors;
     ExtractBlocks<TableClassifier>(data, size, machine, minimumLength);
 #endif
+    if (collect) FillUnusedList(out, collected);
 }
 
 void ExtractStringsByteByByte(unsigned char const* data, std::size_t size, unsigned int minimumLength,

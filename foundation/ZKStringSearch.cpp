@@ -10,6 +10,7 @@
 
 #include "ZKString.h"
 #include "detail/ByteSearch.h"
+#include "detail/ListFill.h"
 #include "detail/StringExtractor.h"
 
 namespace {
@@ -320,29 +321,15 @@ void ForEachPiece(char const* text, ByteSet const& set, Sink&& sink)
     sink(start, end);
 }
 
-// A new default list after `pieces` pushes has the capacity that doubling
-// from 512 reaches, C. Made with capacity C at once and filled by the same
-// pushes, it holds the items in the same slots, and every other slot is a
-// default string in both, except slot 0: a doubling keeps in slot 0 the
-// element that was there, which is the item whose push filled the ring
-// before the last doubling, item C/2 - 1, and which a later filling push
-// would overwrite. MatchDoubledList puts it there. Making the list at once
-// spares the intermediate storages.
+// A new default list made with the capacity that `pieces` pushes reach, so
+// that the pushes never grow it (MatchDoubledSlot then gives slot 0 what the
+// doublings would have left there).
 ZKContainer<ZKString> ListFor(char const* text, char const* delimiters)
 {
-    unsigned long long capacity = 512;
-    if (text != nullptr && delimiters != nullptr) {
-        unsigned long long pieces = 0;
+    unsigned long long pieces = 0;
+    if (text != nullptr && delimiters != nullptr)
         ForEachPiece(text, ByteSet(delimiters), [&pieces](char const*, char const*) { ++pieces; });
-        while (capacity < pieces) capacity *= 2;
-    }
-    return ZKContainer<ZKString>(capacity);
-}
-
-void MatchDoubledList(ZKContainer<ZKString>& list)
-{
-    unsigned long long const capacity = list.GetMaxItemCount();
-    if (capacity > 512 && list.GetItemCount() < capacity) list.SetItem(list.GetItem(capacity / 2 - 1), capacity - 1);
+    return ZKContainer<ZKString>(zk64::detail::DoubledCapacity(512, pieces));
 }
 
 }  // namespace
@@ -386,7 +373,7 @@ ZKContainer<ZKString> ZKString::Split(char const* text, char const* delimiters, 
 {
     ZKContainer<ZKString> out = ListFor(text, delimiters);
     Split(text, delimiters, flag, &out);
-    MatchDoubledList(out);
+    zk64::detail::MatchDoubledSlot(out, 512);
     return out;
 }
 

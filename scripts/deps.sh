@@ -5,8 +5,8 @@
 set -euo pipefail
 
 profile=${1:-all}
-packages=(cmake ninja-build g++ make pkg-config googletest libgtest-dev libbenchmark-dev libtbb-dev libtinyxml2-dev
-          bfs fd-find)  # the last two: yardsticks of the directory-search benchmark
+packages=(cmake ninja-build g++ make pkg-config googletest libgtest-dev libbenchmark-dev libtbb-dev libmimalloc-dev libtinyxml2-dev
+          bfs fd-find dpkg-dev)  # the last two: yardsticks of the directory-search benchmark
 if [ "$profile" = all ]; then
     packages+=(g++-mingw-w64-x86-64-posix gcc-mingw-w64-i686-posix wine wine64 xvfb xauth clang libclang-rt-14-dev)
 fi
@@ -17,10 +17,15 @@ for package in "${packages[@]}"; do
         missing+=("$package")
     fi
 done
-[ ${#missing[@]} -eq 0 ] && exit 0
+if [ ${#missing[@]} -ne 0 ]; then
+    echo "Installing: ${missing[*]}"
+    sudo=()
+    [ "$(id -u)" -ne 0 ] && sudo=(sudo)
+    "${sudo[@]}" apt-get update -q
+    DEBIAN_FRONTEND=noninteractive "${sudo[@]}" apt-get install -y -q "${missing[@]}"
+fi
 
-echo "Installing: ${missing[*]}"
-sudo=()
-[ "$(id -u)" -ne 0 ] && sudo=(sudo)
-"${sudo[@]}" apt-get update -q
-DEBIAN_FRONTEND=noninteractive "${sudo[@]}" apt-get install -y -q "${missing[@]}"
+# Debian has no tinyxml2 for mingw-w64: built from its source package.
+if [ "$profile" = all ]; then
+    "$(dirname "$0")/tinyxml2-mingw.sh"
+fi

@@ -20,6 +20,8 @@ struct State {
     ProcessesScript processes;
     SecurityScript security;
     MemoryScript memory;
+    PackagesScript packages;
+    IconsScript icons;
     DesktopScript desktop;
 };
 
@@ -48,6 +50,8 @@ TextScript& Text() { return Shared().text; }
 ProcessesScript& Processes() { return Shared().processes; }
 SecurityScript& Security() { return Shared().security; }
 MemoryScript& Memory() { return Shared().memory; }
+PackagesScript& Packages() { return Shared().packages; }
+IconsScript& Icons() { return Shared().icons; }
 DesktopScript& Desktop() { return Shared().desktop; }
 
 void Reset()
@@ -64,6 +68,8 @@ void Reset()
     Shared().processes = ProcessesScript{};
     Shared().security = SecurityScript{};
     Shared().memory = MemoryScript{};
+    Shared().packages = PackagesScript{};
+    Shared().icons = IconsScript{};
     Shared().desktop = DesktopScript{};
     SetLastErrorValue(0);
 }

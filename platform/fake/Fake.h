@@ -22,7 +22,9 @@
 #include <vector>
 
 #include "../Files.h"
+#include "../Icons.h"
 #include "../Memory.h"
+#include "../Packages.h"
 #include "../Processes.h"
 #include "../Security.h"
 #include "../PlatformTypes.h"
@@ -99,11 +101,33 @@ struct MemoryScript {
     std::function<BOOL(void* address, void const* buffer, std::size_t size)> WriteProcessMemory;
 };
 
+// Unset, the package names answer kAppModelErrorNoPackage, the rest fail
+// with 50 (ERROR_NOT_SUPPORTED) or E_FAIL.
+struct PackagesScript {
+    std::function<LONG32(HANDLE process, UINT32* length, WCHAR* name)> GetPackageFullName;
+    std::function<LONG32(HANDLE process, UINT32* length, WCHAR* name)> GetPackageFamilyName;
+    std::function<LONG32(WCHAR const* fullName, PackageInfoReference* reference)> OpenPackageInfoByFullName;
+    std::function<LONG32(UINT32* bufferLength, unsigned char* buffer, UINT32* count)> GetPackageInfo;
+    std::function<HRESULT32(WCHAR const* source, WCHAR* output, unsigned int outputSize)> SHLoadIndirectString;
+};
+
+// Unset, every operation fails (null, 0, FALSE).
+struct IconsScript {
+    std::function<HICON(char const* name, unsigned int type, int width, int height, unsigned int flags)> LoadImageA;
+    std::function<unsigned int(char const* file, int index, HICON* large, HICON* small, unsigned int count)>
+        ExtractIconExA;
+    std::function<BOOL(HICON icon)> DestroyIcon;
+    std::function<BOOL(HANDLE process, DWORD processId, HANDLE file, DWORD dumpType)> MiniDumpWriteDump;
+    std::function<BOOL(char const* path)> DeleteFileA;
+};
+
 SystemScript& System();
 FilesScript& Files();
 ProcessesScript& Processes();
 SecurityScript& Security();
 MemoryScript& Memory();
+PackagesScript& Packages();
+IconsScript& Icons();
 
 struct HandlesScript {
     std::function<HANDLE(void* securityAttributes, BOOL manualReset, BOOL initialState, char const* name)>

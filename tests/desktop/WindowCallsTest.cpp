@@ -7,6 +7,7 @@
 #include <zk64/zk64.h>
 
 #include <cstdint>
+#include <algorithm>
 #include <cstring>
 #include <functional>
 #include <string>
@@ -149,6 +150,16 @@ TEST_F(WindowCalls, ProcessWindowsAreTheDesktopsWindowsOfThatProcessInListOrder)
     ScriptDesktop({{Window(0x20), 9}});
     EXPECT_TRUE(GetProcessHWNDS(kProcess, out)) << "no match is still a success";
     EXPECT_EQ(out.GetItemCount(), 4u);
+    // A window whose process cannot be told counts as process 0, and so does
+    // a handle whose identifier cannot be read.
+    fake::Processes().GetProcessId = [](HANDLE) { return DWORD{0}; };
+    EXPECT_TRUE(GetProcessHWNDS(kProcess, out));
+    EXPECT_EQ(out.GetItemCount(), 4u);
+    ScriptDesktop({{Window(0x20), 9}, {Window(0x23), 0}});
+    fake::Processes().GetWindowThreadProcessId = [](HWND, DWORD*) { return DWORD{0}; };
+    fake::Processes().GetProcessId = [](HANDLE) { return DWORD{0}; };
+    EXPECT_TRUE(GetProcessHWNDS(kProcess, out));
+    EXPECT_EQ(Items(out).back(), Window(0x23));
 }
 
 TEST_F(WindowCalls, ProcessWindowFormsOpenWithTheirWordsAndClose)
@@ -361,6 +372,33 @@ TEST_F(WindowCalls, StatePredicates)
         EXPECT_EQ(IsInvisibleWin10BackgroundAppWindow(kWindow), row.expected) << row.result << " " << row.cloaked;
         EXPECT_EQ(fake::TakeCalls(), Calls{"DwmGetWindowAttribute" + kOn + ", attribute=14, value=out, size=4)"});
     }
+}
+
+TEST_F(WindowCalls, PackagedWindowIsOneOfAPackagedProcess)
+{
+    EXPECT_FALSE(IsWindowUniversalWindowsPlatform(nullptr));
+    EXPECT_TRUE(fake::TakeCalls().empty());
+
+    std::string const pid = "GetWindowThreadProcessId" + kOn + ", pid=out)";
+    EXPECT_FALSE(IsWindowUniversalWindowsPlatform(kWindow)) << "no process: pid 0 does not open";
+    EXPECT_EQ(fake::TakeCalls(), (Calls{pid, "OpenProcess(access=0x400, inherit=0, pid=0)", "GetLastError()"}));
+
+    fake::Processes().GetWindowThreadProcessId = [](HWND, DWORD* processId) {
+        *processId = 42;
+        return DWORD{1};
+    };
+    fake::Processes().OpenProcess = [](DWORD, BOOL, DWORD) { return kHandle; };
+    EXPECT_FALSE(IsWindowUniversalWindowsPlatform(kWindow)) << "no package";
+    fake::Packages().GetPackageFamilyName = [](HANDLE, platform::UINT32* length, platform::WCHAR* name) {
+        if (name != nullptr) name[0] = 0;
+        *length = 1;
+        return platform::LONG32{0};
+    };
+    EXPECT_TRUE(IsWindowUniversalWindowsPlatform(kWindow));
+    Calls const calls = fake::TakeCalls();
+    EXPECT_EQ(std::count(calls.begin(), calls.end(), "OpenProcess(access=0x400, inherit=0, pid=42)"), 2);
+    EXPECT_EQ(std::count(calls.begin(), calls.end(), "CloseHandle(handle=0x44)"), 2);
+    EXPECT_EQ(calls.back(), "CloseHandle(handle=0x44)");
 }
 
 TEST_F(WindowCalls, ExtendedBorderIsTheFrameBoundsRecordZeroWhenUnanswered)

@@ -12,6 +12,7 @@
 
 #include "foundation/StringTestSupport.h"
 
+using zk64::test::Bytes;
 using zk64::test::ItemBytes;
 
 namespace {
@@ -102,4 +103,56 @@ TEST(StringExtractModel, UniformNoise)
     for (unsigned int minimum : {2u, 3u, 4u, 6u})
         for (bool wide : {false, true})
             for (bool vectors : {false, true}) ExpectSameAsMachine(data, minimum, wide, vectors);
+}
+
+namespace {
+
+// Capacity, count and every slot of a list, the slots beyond the items too.
+std::vector<std::string> SlotBytes(ZKContainer<ZKString>& list)
+{
+    std::vector<std::string> out{std::to_string(list.GetMaxItemCount()), std::to_string(list.GetItemCount())};
+    for (unsigned long long i = 0; i < list.GetMaxItemCount(); ++i) out.push_back(Bytes(list.GetItem(i)));
+    return out;
+}
+
+}  // namespace
+
+// A list the caller has not used yet is filled in one go: slot for slot it
+// must end as the one-by-one pushes (with their doublings) leave it, and a
+// list with stale slots from an earlier use must keep them as pushes do.
+TEST(StringExtractModel, OneGoFillMatchesPushesSlotForSlot)
+{
+    for (unsigned long long items : {0ull, 1ull, 3ull, 4ull, 5ull, 511ull, 512ull, 513ull, 1024ull, 1025ull, 2100ull}) {
+        std::string data;
+        for (unsigned long long i = 0; i < items; ++i) {
+            data += "item";
+            data += static_cast<char>('0' + i % 10);
+            data += '\0';
+        }
+        auto const* bytes = reinterpret_cast<unsigned char const*>(data.data());
+        for (unsigned long long capacity : {1ull, 3ull, 512ull}) {
+            for (bool stale : {false, true}) {
+                ZKContainer<ZKString> expected(capacity), actual(capacity);
+                if (stale) {
+                    for (auto* list : {&expected, &actual}) {
+                        for (char const* text : {"stale1", "stale2", "stale3", "stale4", "stale5"}) list->PushBack(text);
+                        list->Clear();
+                    }
+                }
+                zk64::detail::ExtractStringsByteByByte(bytes, data.size(), 4, false, expected);
+                zk64::detail::ExtractStrings(bytes, data.size(), 4, false, actual);
+                ASSERT_EQ(SlotBytes(actual), SlotBytes(expected))
+                    << items << " items, capacity " << capacity << (stale ? ", stale slots" : "");
+                // A list emptied by pops is not in a fresh state: pushes continue where it stopped.
+                ZKContainer<ZKString> popped(capacity), poppedExpected(capacity);
+                for (auto* list : {&popped, &poppedExpected}) {
+                    list->PushBack("gone");
+                    list->PopFront();
+                }
+                zk64::detail::ExtractStringsByteByByte(bytes, data.size(), 4, false, poppedExpected);
+                zk64::detail::ExtractStrings(bytes, data.size(), 4, false, popped);
+                ASSERT_EQ(SlotBytes(popped), SlotBytes(poppedExpected)) << items << " items after a pop";
+            }
+        }
+    }
 }
