@@ -231,6 +231,7 @@ TEST_F(WindowSystem, PlacementShowingAndStacking)
     // Wine has no compositor attributes (E_NOTIMPL): never cloaked, and the
     // frame bounds stay the zero rectangle.
     EXPECT_FALSE(IsInvisibleWin10BackgroundAppWindow(window));
+    EXPECT_FALSE(IsWindowUniversalWindowsPlatform(window)) << "this test program has no package";
     tagRECT const frame = GetExtendedWindowsBorder(window);
     EXPECT_EQ(frame.left | frame.top | frame.right | frame.bottom, 0);
 }
