@@ -36,6 +36,7 @@
 #include "processes/ZKProcessMemory.h"
 #include "processes/ZKProcessPackages.h"
 #include "processes/ZKProcessIcons.h"
+#include "desktop/ZKWindow.h"
 #include "readers/ZKPERecords.h"
 #include "readers/ZKPEParser.h"
 #include "desktop/ZKInput.h"

@@ -1,5 +1,7 @@
 #include "Fake.h"
 
+#include "DesktopScript.h"
+
 #include <cstdio>
 #include <cstring>
 #include <mutex>
@@ -22,6 +24,7 @@ struct State {
     IconsScript icons;
     InputScript input;
     ShellScript shell;
+    DesktopScript desktop;
 };
 
 // Built on first use: the fake has no start-up order to respect.
@@ -53,6 +56,7 @@ PackagesScript& Packages() { return Shared().packages; }
 IconsScript& Icons() { return Shared().icons; }
 InputScript& InputOperations() { return Shared().input; }
 ShellScript& Shell() { return Shared().shell; }
+DesktopScript& Desktop() { return Shared().desktop; }
 
 void Reset()
 {
@@ -72,6 +76,7 @@ void Reset()
     Shared().icons = IconsScript{};
     Shared().input = InputScript{};
     Shared().shell = ShellScript{};
+    Shared().desktop = DesktopScript{};
     SetLastErrorValue(0);
 }
 

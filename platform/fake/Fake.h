@@ -30,6 +30,7 @@
 #include "../Security.h"
 #include "../Shell.h"
 #include "../PlatformTypes.h"
+#include "DesktopScript.h"  // Desktop(): the window operations
 
 namespace zk64::platform::fake {
 
