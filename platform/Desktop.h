@@ -18,12 +18,9 @@ struct HICON__;
 namespace zk64::platform {
 
 using HWND = HWND__*;
-using UINT = unsigned int;
-using LONG_PTR = std::intptr_t;
 using WPARAM = std::uintptr_t;
 using LPARAM = std::intptr_t;
 using LRESULT = std::intptr_t;
-using HRESULT = std::int32_t;
 using HDESK = void*;
 using HMONITOR = void*;
 

@@ -12,8 +12,6 @@
 
 namespace zk64::platform {
 
-using UINT = unsigned int;
-using LONG = std::int32_t;  // Win32 LONG: 32 bits on every Windows target
 
 // MOUSEINPUT, field for field.
 struct MouseInput {

@@ -14,6 +14,15 @@ using DWORD = unsigned long;
 using DWORD = std::uint32_t;
 #endif
 using BOOL = int;
+using UINT = unsigned int;
+using LONG = std::int32_t;  // 32 bits on every Windows target
+using ULONG = DWORD;        // unsigned long on Windows
+using LONG_PTR = std::intptr_t;
+#if defined(_WIN32)
+using HRESULT = long;
+#else
+using HRESULT = std::int32_t;
+#endif
 using WORD = std::uint16_t;
 using ULONGLONG = std::uint64_t;
 using HANDLE = void*;

@@ -13,12 +13,6 @@
 
 namespace zk64::platform {
 
-#if defined(_WIN32)
-using HRESULT = long;
-#else
-using HRESULT = std::int32_t;
-#endif
-using ULONG = DWORD;  // unsigned long on Windows
 
 // GUID, field for field (16 bytes).
 struct Guid {
