@@ -8,6 +8,13 @@ unsigned long long DoubledCapacity(unsigned long long capacity, unsigned long lo
     return capacity;
 }
 
+bool HoldsNoText(ZKContainer<ZKString> const& list)
+{
+    for (ZKString const& slot : ListState<ZKString>::Slots(list))
+        if (!TextAccess::Text(slot).empty()) return false;
+    return true;
+}
+
 void FillUnusedList(ZKContainer<ZKString>& list, std::vector<std::string>& texts)
 {
     ZKString const empty;

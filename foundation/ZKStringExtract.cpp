@@ -395,10 +395,11 @@ bool HasAvx2()
 void ExtractStrings(unsigned char const* data, std::size_t size, unsigned int minimumLength, bool findWide,
                     ZKContainer<ZKString>& out, bool allowWideVectors)
 {
-    // A list the caller made for this call is filled in one go at the end:
-    // no doubling of its storage on the way.
+    // A new list the caller made for this call is filled in one go at the
+    // end: no doubling of its storage on the way. A list that was used
+    // before is pushed to, so that its strings' buffers are reused.
     std::vector<std::string> collected;
-    bool const collect = IsUnusedList(out);
+    bool const collect = IsUnusedList(out) && HoldsNoText(out);
     RunMachine machine(minimumLength, findWide, out, collect ? &collected : nullptr);
 #if defined(ZK64_EXTRACT_X86)
     if (allowWideVectors && HasAvx2()) ExtractBlocksAvx2(data, size, machine, minimumLength);

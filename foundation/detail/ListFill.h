@@ -31,6 +31,7 @@ template <class T>
 struct ListState : ZKContainer<T> {
     static unsigned long long FrontSlot(ZKContainer<T> const& list) { return list.*(&ListState::frontSlot); }
     static unsigned long long BackSlot(ZKContainer<T> const& list) { return list.*(&ListState::backSlot); }
+    static std::vector<T> const& Slots(ZKContainer<T> const& list) { return list.*(&ListState::items); }
 };
 
 // The capacity that doubling from `capacity` reaches to hold `items`.
@@ -60,6 +61,10 @@ bool IsUnusedList(ZKContainer<T> const& list)
 
 // Pushes every one of `items` into such a list with `push(list, item)`,
 // growing the list at most once.
+// Whether every slot of a list holds the empty text: a list that was never
+// filled, whose strings have no buffers a push could reuse.
+bool HoldsNoText(ZKContainer<ZKString> const& list);
+
 template <class T, class Item, class Push>
 void FillUnusedList(ZKContainer<T>& list, std::vector<Item>& items, Push&& push)
 {
