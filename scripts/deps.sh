@@ -27,5 +27,6 @@ fi
 
 # Debian has no tinyxml2 for mingw-w64: built from its source package.
 if [ "$profile" = all ]; then
-    "$(dirname "$0")/tinyxml2-mingw.sh"
+    "$(dirname "$0")/mingw-deps.sh" tinyxml2
+    "$(dirname "$0")/mingw-deps.sh" png
 fi
