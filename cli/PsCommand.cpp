@@ -26,16 +26,21 @@ ZKContainer<ProcessInfo> AllProcesses()
     return processes;
 }
 
-// The process's name; fails when no process has the id or it cannot be opened.
+// The process's name; fails when no process has the id or it cannot be
+// opened. The list is asked first, as some systems answer the name only
+// through it; a process missing from the list may still be opened.
 std::string CheckedProcess(unsigned long pid)
 {
     ZKContainer<ProcessInfo> const processes = AllProcesses();
-    bool listed = false;
-    for (unsigned long long i = 0; i < processes.GetItemCount() && !listed; ++i)
-        listed = processes.GetItem(i).processID == pid;
+    for (unsigned long long i = 0; i < processes.GetItemCount(); ++i) {
+        ProcessInfo const& p = processes.GetItem(i);
+        if (p.processID != pid) continue;
+        if (ZKString name; !GetProcessName(pid, name))
+            throw Failure("ps: process " + std::to_string(pid) + " cannot be opened");
+        return Std(p.processName);
+    }
     ZKString name;
-    if (!listed) throw Failure("ps: no process has the id " + std::to_string(pid));
-    if (!GetProcessName(pid, name)) throw Failure("ps: process " + std::to_string(pid) + " cannot be opened");
+    if (!GetProcessName(pid, name)) throw Failure("ps: no process has the id " + std::to_string(pid));
     return Std(name);
 }
 
