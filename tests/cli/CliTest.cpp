@@ -40,6 +40,13 @@ std::string Sample(std::string const& name)
 #endif
 }
 
+// zk sits beside this program.
+std::string ZkPath()
+{
+    std::string path = GetCurrentProcessExePath().GetString();
+    return path.replace(path.find_last_of("/\\") + 1, std::string::npos, "zk");
+}
+
 class ZkCommand : public ::testing::Test {
 protected:
     TempDir scratch{"cli"};
@@ -200,6 +207,14 @@ TEST_F(ZkCommand, WatchReportsChangesUntilItsTimeIsUp)
     EXPECT_TRUE(std::regex_search(
         run.out, std::regex("\\{\"time\":\"[0-9:]{8}\",\"action\":\"added\",\"name\":\"new\\.txt\"\\}\n")))
         << run.out;
+#if !defined(_WIN32)
+    // Ctrl-C ends it cleanly.
+    std::string const command = "(" + Quote(ZkPath()) + " watch " + Quote(root) + " 2>" + Quote(scratch.Path("err")) +
+                                " & sleep 1; kill -INT $!; wait $!)";
+    int const status = std::system(command.c_str());
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
+    EXPECT_EQ(scratch.Read("err"), "watching " + root + " (Ctrl-C ends)\n");
+#endif
     EXPECT_EQ(Zk("watch " + Quote(root) + " --filter colour --seconds 1").err,
               "zk: watch: no filter is named 'colour'\n");
 }
