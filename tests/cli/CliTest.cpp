@@ -53,10 +53,8 @@ protected:
 
     Outcome Zk(std::string const& arguments) const
     {
-        std::string self = GetCurrentProcessExePath().GetString();
-        self.replace(self.find_last_of("/\\") + 1, std::string::npos, "zk");
         std::string command =
-            Quote(self) + " " + arguments + " >" + Quote(scratch.Path("out")) + " 2>" + Quote(scratch.Path("err"));
+            Quote(ZkPath()) + " " + arguments + " >" + Quote(scratch.Path("out")) + " 2>" + Quote(scratch.Path("err"));
 #if defined(_WIN32)
         int const code = std::system(("\"" + command + "\"").c_str());  // cmd /c strips the outer quotes
 #else
