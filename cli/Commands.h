@@ -37,6 +37,12 @@ std::string ReadWholeFile(std::string const& path);
 std::string Std(ZKString const& text);
 // A number from text: decimal, or hexadecimal after 0x; fails naming `what`.
 unsigned long long ParseNumber(std::string const& text, std::string const& what);
+// Lower-case ASCII letters.
+std::string Lower(std::string text);
+// The platform's path separator, as the library writes it into patterns.
+char Separator();
+// The strings extractor over a whole file.
+ZKContainer<ZKString> FindStrings(std::string const& path, unsigned minimum, bool wide);
 // Sizes as people read them ("1.50 GiB"), through the library's scaling.
 Value Bytes(unsigned long long bytes);
 

@@ -15,13 +15,6 @@ namespace zk {
 
 namespace {
 
-// The platform's path separator, as the library writes it into patterns.
-char Separator()
-{
-    static char const separator = ConvertToSystemPath("a").GetString()[1];
-    return separator;
-}
-
 // A directory the person named, checked, without trailing separators.
 std::string ReadableDirectory(std::string directory)
 {

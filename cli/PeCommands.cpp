@@ -198,10 +198,7 @@ void AddStrings(CLI::App& app, Options& options)
     strings->add_option("-n,--bytes", minimum, "the shortest string to report")->check(CLI::Range(1u, 8191u));
     strings->add_flag("--wide,-w", wide, "also UTF-16LE strings");
     strings->callback([&options] {
-        std::string const bytes = ReadWholeFile(file);
-        if (bytes.size() > 0x7FFFFFFFu) throw Failure(file + ": larger than 2 GiB");
-        ZKContainer<ZKString> found;
-        ZKString::FindStringsInBinaryData(ZKString(bytes.data(), static_cast<int>(bytes.size())), minimum, wide, found);
+        ZKContainer<ZKString> found = FindStrings(file, minimum, wide);
         Value list = Value::List();
         for (unsigned long long i = 0; i < found.GetItemCount(); ++i)
             list.Push(Value::Text(found.GetItem(i).GetString()));  // each reads up to its zero byte

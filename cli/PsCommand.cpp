@@ -13,12 +13,6 @@ namespace {
 
 char const* const kPriorityNames[] = {"realtime", "high", "above-normal", "normal", "below-normal", "idle", "unknown"};
 
-std::string Lower(std::string text)
-{
-    std::transform(text.begin(), text.end(), text.begin(), [](unsigned char c) { return std::tolower(c); });
-    return text;
-}
-
 ZKContainer<ProcessInfo> AllProcesses()
 {
     ZKContainer<ProcessInfo> processes;

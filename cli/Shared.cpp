@@ -1,3 +1,5 @@
+#include <algorithm>
+#include <cctype>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
@@ -55,6 +57,27 @@ unsigned long long ParseNumber(std::string const& text, std::string const& what)
         value = value * base + static_cast<unsigned>(digit);
     }
     return value;
+}
+
+std::string Lower(std::string text)
+{
+    std::transform(text.begin(), text.end(), text.begin(), [](unsigned char c) { return std::tolower(c); });
+    return text;
+}
+
+char Separator()
+{
+    static char const separator = ConvertToSystemPath("a").GetString()[1];
+    return separator;
+}
+
+ZKContainer<ZKString> FindStrings(std::string const& path, unsigned minimum, bool wide)
+{
+    std::string const bytes = ReadWholeFile(path);
+    if (bytes.size() > 0x7FFFFFFFu) throw Failure(path + ": larger than 2 GiB");
+    ZKContainer<ZKString> found;
+    ZKString::FindStringsInBinaryData(ZKString(bytes.data(), static_cast<int>(bytes.size())), minimum, wide, found);
+    return found;
 }
 
 Value Bytes(unsigned long long bytes)

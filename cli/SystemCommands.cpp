@@ -39,12 +39,6 @@ constexpr NamedColor kNamedColors[] = {
 #undef ZK_COLOR
 };
 
-std::string Lower(std::string text)
-{
-    std::transform(text.begin(), text.end(), text.begin(), [](unsigned char c) { return std::tolower(c); });
-    return text;
-}
-
 // Exact spelling first (names that differ in case are different colours),
 // then the first name equal but for case.
 NamedColor const* FindColor(std::string const& name)

@@ -16,7 +16,7 @@ void AddTour(CLI::App& app, Options& options)
     tour->add_option("--picture", picture, "where the noise picture goes")->capture_default_str();
     tour->callback([&options] {
         std::string const self = Std(GetCurrentProcessExePath());
-        bool const windowsPaths = ConvertToSystemPath("a").GetString()[1] == '\\';
+        bool const windowsPaths = Separator() == '\\';
         std::string const root = !directory.empty() ? directory : windowsPaths ? "C:\\windows" : "/usr/share";
         Value report = Value::Record();
         auto const step = [&](std::string const& title, std::string const& command, auto const& make) {
@@ -33,9 +33,7 @@ void AddTour(CLI::App& app, Options& options)
         std::string const pe = image.empty() ? self : image;
         step("PE image", "zk pe --summary " + pe, [&] { return PeReport(pe, true); });
         step("strings", "zk strings -n 12 " + self, [&] {
-            std::string const bytes = ReadWholeFile(self);
-            ZKContainer<ZKString> found;
-            ZKString::FindStringsInBinaryData(ZKString(bytes.data(), static_cast<int>(bytes.size())), 12, false, found);
+            ZKContainer<ZKString> found = FindStrings(self, 12, false);
             Value part = Value::Record();
             part.Add("file", Value::Text(self))
                 .Add("strings of 12 bytes or more", Value::Unsigned(found.GetItemCount()));
@@ -46,7 +44,7 @@ void AddTour(CLI::App& app, Options& options)
         });
         step("directory", "zk find --count -r " + root, [&] {
             unsigned long long files = 0, dirs = 0;
-            std::string pattern = root + (windowsPaths ? "\\*" : "/*");
+            std::string const pattern = root + Separator() + "*";
             GetNumberOfFilesAndDirs(ZKString(pattern.c_str()), files, dirs, true);
             Value part = Value::Record();
             return part.Add("directory", Value::Text(root))
