@@ -25,36 +25,18 @@ namespace {
 std::string MakeData(std::mt19937& rng, std::size_t size, bool longRuns)
 {
     auto pick = [&](int low, int high) { return std::uniform_int_distribution<int>(low, high)(rng); };
+    static char const edges[] = {0, 9, 10, 11, 12, 13, 31, 32, 126, 127, -1};
     std::string data;
     while (data.size() < size) {
-        switch (pick(0, 6)) {
-        case 0:
-            data.append(static_cast<std::size_t>(longRuns ? pick(7000, 9500) : pick(1, 90)),
-                        static_cast<char>(pick(32, 126)));
-            break;
-        case 1:
-            for (int n = pick(1, 70); n > 0; --n) data += static_cast<char>(pick(32, 126));
-            break;
-        case 2:
-            data.append(static_cast<std::size_t>(pick(1, 80)), '\0');
-            break;
-        case 3:
-            for (int n = pick(1, 40); n > 0; --n) {
-                data += static_cast<char>(pick(32, 126));
-                data += '\0';
-            }
-            break;
-        case 4:
-            for (int n = pick(1, 60); n > 0; --n) data += static_cast<char>(pick(0, 255));
-            break;
-        case 5: {
-            static char const edges[] = {0, 9, 10, 11, 12, 13, 31, 32, 126, 127, -1};
-            for (int n = pick(1, 12); n > 0; --n) data += edges[pick(0, 10)];
-            break;
-        }
-        default:
-            for (int n = pick(1, 30); n > 0; --n) data += static_cast<char>(pick(0, 1) ? pick(32, 126) : pick(0, 31));
-            break;
+        int const kind = pick(0, 6);
+        if (kind == 0) data.append(static_cast<std::size_t>(longRuns ? pick(7000, 9500) : pick(1, 90)), static_cast<char>(pick(32, 126)));
+        if (kind == 1) data.append(static_cast<std::size_t>(pick(1, 80)), '\0');
+        for (int n = kind < 2 ? 0 : pick(1, 60); n > 0; --n) {
+            if (kind == 2 || kind == 3) data += static_cast<char>(pick(32, 126));  // printable, or wide text
+            if (kind == 3) data += '\0';
+            if (kind == 4) data += static_cast<char>(pick(0, 255));
+            if (kind == 5) data += edges[pick(0, 10)];
+            if (kind == 6) data += static_cast<char>(pick(0, 1) ? pick(32, 126) : pick(0, 31));
         }
     }
     data.resize(size);

@@ -101,30 +101,16 @@ TEST(StringPrefix, StartsAndEndsWith)
 
 TEST(StringReplace, SingleBytesAndOnce)
 {
-    ZKString s("banana");
-    EXPECT_EQ(s.ReplaceAll('a', 'o'), 3u);
-    EXPECT_EQ(s.ReplaceAll('o', 'o'), 3u) << "counts bytes it rewrote, even to themselves";
-    EXPECT_EQ(Bytes(s), "bonono");
-    ZKString zero = Counted(std::string("a\0a", 3));
-    EXPECT_EQ(zero.ReplaceAll('a', 'x') + zero.ReplaceAll('\0', 'y'), 3u) << "over the whole counted text";
-    EXPECT_EQ(Bytes(zero), "xyx");
-
-    ZKString twice("aa");
-    EXPECT_TRUE(twice.ReplaceOnceFromEnd('a', 'b'));
-    EXPECT_TRUE(twice.ReplaceOnceFromStart('a', 'c'));
-    EXPECT_FALSE(twice.ReplaceOnceFromStart('a', 'c') || twice.ReplaceOnceFromEnd('z', 'c'));
-    EXPECT_EQ(Bytes(twice), "cb");
-
-    ZKString t("aaaa");
-    EXPECT_TRUE(t.ReplaceOnceFromStart("aa", "b"));
-    EXPECT_TRUE(t.ReplaceOnceFromEnd("a", "xyz"));
-    EXPECT_EQ(Bytes(t), "baxyz");
-    EXPECT_FALSE(t.ReplaceOnceFromEnd("q", "r"));
-    EXPECT_TRUE(t.ReplaceOnceFromStart(ZKString("xyz"), ZKString("")));
-    EXPECT_TRUE(t.ReplaceOnceFromEnd(ZKString("b"), ZKString("c")));
-    EXPECT_TRUE(t.ReplaceOnceFromStart("", "<")) << "an empty text is found at the start";
-    EXPECT_TRUE(t.ReplaceOnceFromEnd("", ">")) << "and from the end, at the end";
-    EXPECT_EQ(Bytes(t), "<ca>");
+    ZKString s = Counted(std::string("ba\0ana", 6));
+    EXPECT_EQ(s.ReplaceAll('a', 'a') + s.ReplaceAll('\0', 'n'), 4u) << "the whole text; bytes rewritten to themselves count";
+    EXPECT_TRUE(s.ReplaceOnceFromEnd('a', 'b') && s.ReplaceOnceFromStart('a', 'c'));
+    EXPECT_FALSE(s.ReplaceOnceFromEnd('z', 'c'));
+    EXPECT_EQ(Bytes(s), "bcnanb");
+    EXPECT_TRUE(s.ReplaceOnceFromStart("na", "") && s.ReplaceOnceFromEnd(ZKString("b"), ZKString("xyz")));
+    EXPECT_TRUE(s.ReplaceOnceFromStart(ZKString("b"), ZKString("a")) && !s.ReplaceOnceFromStart("q", "r"));
+    EXPECT_TRUE(s.ReplaceOnceFromStart("", "<")) << "an empty text is found at the start";
+    EXPECT_TRUE(s.ReplaceOnceFromEnd("", ">")) << "and from the end, at the end";
+    EXPECT_EQ(Bytes(s), "<acnxyz>");
 }
 
 // ReplaceAll searches again from where the replacement begins; arguments that
@@ -181,40 +167,35 @@ TEST(StringSplit, DelimiterRunsAndSets)
     for (Row const& row : rows) EXPECT_EQ(ItemBytes(ZKString::Split(row.text, row.set, false)), row.pieces) << row.text;
     EXPECT_EQ(ItemBytes(ZKString::Split("a b", '\0', true)), (Pieces{"a b"})) << "a zero delimiter is an empty set";
 
-    // All ten forms agree, the flag does nothing, and the ZKString forms cut
-    // the text at its first zero.
+    // All ten forms agree, the flag does nothing, the ZKString forms cut the
+    // text at its first zero, and items go through the virtual PushBack.
     ZKString const text = Counted(std::string("p q  r\0s t", 10));
-    Pieces const expected{"p", "q", "r"};
     for (bool flag : {false, true}) {
-        EXPECT_EQ(ItemBytes(ZKString::Split("p q  r", ' ', flag)), expected);
-        EXPECT_EQ(ItemBytes(ZKString::Split(text, ' ', flag)), expected);
-        EXPECT_EQ(ItemBytes(ZKString::Split(text, " ", flag)), expected);
-        EXPECT_EQ(ItemBytes(text.Split(' ', flag)), expected);
-        EXPECT_EQ(ItemBytes(text.Split(" ", flag)), expected);
-        CountingList a, b, c, d;
-        ZKString::Split("p q  r", ' ', flag, &a);
-        ZKString::Split("p q  r", " ", flag, &b);
-        ZKString::Split(text, ' ', flag, &c);
-        ZKString::Split(text, " ", flag, &d);
-        for (CountingList* list : {&a, &b, &c, &d}) EXPECT_EQ(ItemBytes(*list), expected);
-        EXPECT_EQ(a.pushes + b.pushes + c.pushes + d.pushes, 12);
+        CountingList lists[4];
+        ZKString::Split("p q  r", ' ', flag, &lists[0]);
+        ZKString::Split("p q  r", " ", flag, &lists[1]);
+        ZKString::Split(text, ' ', flag, &lists[2]);
+        ZKString::Split(text, " ", flag, &lists[3]);
+        for (ZKContainer<ZKString> const& list : {ZKString::Split("p q  r", ' ', flag), ZKString::Split(text, ' ', flag),
+                                                  ZKString::Split(text, " ", flag), text.Split(' ', flag),
+                                                  text.Split(" ", flag), ZKContainer<ZKString>(lists[0]),
+                                                  ZKContainer<ZKString>(lists[1]), ZKContainer<ZKString>(lists[2]),
+                                                  ZKContainer<ZKString>(lists[3])})
+            EXPECT_EQ(ItemBytes(list), (Pieces{"p", "q", "r"}));
+        EXPECT_EQ(lists[0].pushes + lists[1].pushes + lists[2].pushes + lists[3].pushes, 12);
     }
 }
 
 TEST(StringSplit, IntoListsOldAndNew)
 {
-    ZKContainer<ZKString> list;
+    ZKContainer<ZKString> list(3);
     list.PushBack(ZKString("old"));
     ZKString::Split("a,b", ',', false, &list);
     ZKString::Split(static_cast<char const*>(nullptr), ",", false, &list);
     ZKString::Split("a,b", static_cast<char const*>(nullptr), false, &list);
     ZKString::Split("a,b", ",", false, nullptr);
-    EXPECT_EQ(ItemBytes(list), (Pieces{"old", "a", "b"})) << "appends, and ignores nulls";
-
-    ZKContainer<ZKString> own(1);
-    own.PushBack(ZKString("a,b,c"));
-    ZKString::Split(own.GetItem(0), ',', false, &own);
-    EXPECT_EQ(ItemBytes(own), (Pieces{"a,b,c", "a", "b", "c"})) << "the text may be an item of the list";
+    ZKString::Split(list.GetItem(2), ';', false, &list);
+    EXPECT_EQ(ItemBytes(list), (Pieces{"old", "a", "b", "b"})) << "appends, ignores nulls, may split its own item";
 
     // The returning forms size the new list at once: every slot, stale ones
     // included, and every counter must be what pushes into a default list leave.
