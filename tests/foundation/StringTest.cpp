@@ -68,17 +68,13 @@ TEST(StringComparison, ByteExactOverTheRightLengths)
     EXPECT_TRUE(zero == Counted(kZero));
     EXPECT_TRUE(zero != Counted(std::string("a\0c", 3)));
     EXPECT_TRUE(ZKString("x") == 'x' && !(ZKString("xx") == 'x'));
-    EXPECT_TRUE(ZKString('\0') == '\0');
-    EXPECT_TRUE(ZKString() != '\0') << "an empty string is not char 0";
+    EXPECT_TRUE(ZKString('\0') == '\0' && ZKString() != '\0') << "an empty string is not char 0";
 }
 
 TEST(StringConcatenation, AppendAndPlusCuts)
 {
     ZKString s("ab");
-    s += ZKString("cd");
-    s += "ef";
-    s += 'g';
-    s += Counted(kZero);
+    s += ZKString("cd"), s += "ef", s += 'g', s += Counted(kZero);
     EXPECT_EQ(Bytes(s), "abcdefga") << "appends up to the right side's first zero";
     s += '\0';
     EXPECT_EQ(s.GetSize(), 9) << "a zero byte is appended too";
@@ -117,8 +113,7 @@ TEST(StringAccess, IndexingSubstringsAndSizes)
     s.Clear();
     EXPECT_TRUE(s.IsEmpty() && s.GetString() == buffer) << "Clear keeps the buffer";
     s = "abc";
-    s.Resize(5);
-    EXPECT_EQ(Bytes(s), std::string("abc\0\0", 5));
+    EXPECT_EQ(Bytes((s.Resize(5), s)), std::string("abc\0\0", 5));
     s.Resize(1);
     ExpectTooLong([&] { s.Resize(~0ull); });
     ExpectTooLong([&] { s.Reserve(~0ull); });
@@ -129,13 +124,10 @@ TEST(StringInsert, SingleRepeatedAndStaticForms)
 {
     ZKString s("bd");
     s.Insert('a');
-    s.Insert('c', 2);
-    s.Insert('e', 4);
-    s.Insert('\0', 1);
+    for (auto [byte, at] : {std::pair{'c', 2u}, {'e', 4u}, {'\0', 1u}}) s.Insert(byte, at);
     EXPECT_EQ(Bytes(s), "abcde") << "a zero byte inserts nothing";
     ExpectBadPosition([&] { s.Insert('\0', 99); });
-    s.Insert(ZKString(">"));
-    s.Insert(Counted(kZero), 6);
+    s.Insert(ZKString(">")), s.Insert(Counted(kZero), 6);
     EXPECT_EQ(Bytes(s), ">abcdea") << "a ZKString is inserted up to its first zero";
     s.Insert(s, 1);
     EXPECT_EQ(Bytes(s), ">>abcdeaabcdea");

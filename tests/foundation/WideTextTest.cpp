@@ -90,8 +90,7 @@ TEST(WideText, BuffersAndCountedForms)
     length = 0;
     buffer = ZKString::GetWideString(s, &length, nullptr);
     EXPECT_EQ(length, 4u) << "a smaller offer becomes the need";
-    ZKString::CleanupWideString(&buffer);
-    ZKString::CleanupWideString(&buffer);  // null inside is harmless
+    ZKString::CleanupWideString(&buffer), ZKString::CleanupWideString(&buffer);  // null inside is harmless
     EXPECT_EQ(ToWide(ZKString("ab\0cd", 5)), std::make_pair(W(u"ab"), 3u)) << "stops at the first zero byte";
 
     ZKString t("old");
