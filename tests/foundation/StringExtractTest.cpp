@@ -1,4 +1,4 @@
-// ZKString::FindStringsInBinaryData on hand-traced inputs: each row of the
+// ZKString::FindStringsInBinaryData on hand-traced inputs: the rows of the
 // extractor's state table, the run cap, and the bytes behind each item's
 // terminating zero.
 
@@ -9,136 +9,82 @@
 #include <string>
 #include <vector>
 
-#include "foundation/StringTestSupport.h"
+#include "foundation/Support.h"
 
 using zk64::test::Bytes;
 using zk64::test::Counted;
 using zk64::test::ItemBytes;
-using zk64::test::ItemTexts;
 using Items = std::vector<std::string>;
 
 namespace {
 
 std::string Z(std::size_t count) { return std::string(count, '\0'); }
 
-// UTF-16LE bytes of an ASCII text.
-std::string Wide(std::string const& text)
+std::string Wide(std::string const& text)  // UTF-16LE bytes of an ASCII text
 {
     std::string out;
-    for (char c : text) {
-        out += c;
-        out += '\0';
-    }
-    return out;
-}
-
-ZKContainer<ZKString> Extract(std::string const& bytes, unsigned int minimum, bool wide)
-{
-    ZKContainer<ZKString> out;
-    ZKString::FindStringsInBinaryData(Counted(bytes), minimum, wide, out);
+    for (char c : text) out += std::string{c, '\0'};
     return out;
 }
 
 }  // namespace
 
-TEST(StringExtract, PlainRunNeedsATerminatingByte)
+TEST(StringExtract, HandTracedRuns)
 {
-    ZKContainer<ZKString> out;
-    EXPECT_TRUE(ZKString::FindStringsInBinaryData(Counted("hello" + Z(1)), 4, false, out));
-    ASSERT_EQ(out.GetItemCount(), 1u);
-    EXPECT_STREQ(out.GetItem(0).GetString(), "hello");
-    EXPECT_EQ(out.GetItem(0).GetSize(), 10) << "the size is doubled";
-    EXPECT_EQ(Bytes(out.GetItem(0)), "hello" + Z(5));
-
-    ZKContainer<ZKString> none;
-    EXPECT_FALSE(ZKString::FindStringsInBinaryData(ZKString("hello"), 4, false, none))
-        << "a run that reaches the end is dropped";
-    EXPECT_EQ(none.GetItemCount(), 0u);
-    EXPECT_TRUE(ItemBytes(Extract("abc" + Z(1), 4, true)).empty()) << "shorter than the minimum";
-    EXPECT_EQ(ItemTexts(Extract("\x01\x02" "abcd\x03", 4, false)), (Items{"abcd"}));
-    EXPECT_EQ(ItemTexts(Extract("tab\there\r\n" + Z(1), 4, false)), (Items{"tab\there\r\n"}))
-        << "tab, carriage return and line feed are printable";
-}
-
-TEST(StringExtract, WideRuns)
-{
-    std::string const wide = Wide("wide") + Z(2);
-    EXPECT_EQ(ItemBytes(Extract(wide, 4, true)), (Items{"wide" + Z(4)}));
-    EXPECT_TRUE(ItemBytes(Extract(wide, 4, false)).empty()) << "row 1 0 0 emits only wide runs";
-    EXPECT_TRUE(ItemBytes(Extract(Wide("wide"), 4, true)).empty()) << "one zero unit is not the end";
-    EXPECT_TRUE(ItemBytes(Extract(Wide("wid") + Z(2), 4, true)).empty());
-}
-
-TEST(StringExtract, TwoPrintablesEndAWideRun)
-{
-    // Row 0 1 1 with count >= minimum + 1: the 'x' joined the wide run as a
-    // fifth byte, so count - 1 bytes are emitted and the run is cleared;
-    // "xy" is lost from the plain run that follows.
-    std::string const bytes = Wide("wide") + "xyzzy" + Z(1);
-    EXPECT_EQ(ItemBytes(Extract(bytes, 4, true)), (Items{"wide" + Z(4)}));
-    EXPECT_TRUE(ItemBytes(Extract(bytes, 4, false)).empty());
-    // With a minimum of 3 "zzy" is long enough; its bytes behind the zero
-    // still hold the wide run's 'x'.
-    EXPECT_EQ(ItemBytes(Extract(bytes, 3, true)), (Items{"wide" + Z(4), std::string("zzy\0x\0", 6)}));
-}
-
-TEST(StringExtract, PlainRunEndingInAZeroMayStartAWideOne)
-{
-    // Row 1 1 0 on a zero byte with count < minimum: the run restarts as the
-    // previous byte alone, and the wide run b c d e follows.
-    std::string const bytes = "ab" + Z(1) + "c" + Z(1) + "d" + Z(1) + "e" + Z(2);
-    EXPECT_EQ(ItemBytes(Extract(bytes, 4, true)), (Items{"bcde" + Z(4)}));
-    EXPECT_TRUE(ItemBytes(Extract(bytes, 4, false)).empty());
-    // A non-zero byte ends the plain run for good, and a printable after a
-    // non-zero byte (row 1 0 1) is not appended.
-    EXPECT_TRUE(ItemBytes(Extract("ab\x01" "c\x01" "d\x01" "e\x01\x01", 4, true)).empty());
-    EXPECT_EQ(ItemTexts(Extract("ab\x01" "cd" + Z(1), 2, false)), (Items{"ab", "cd"}));
-}
-
-TEST(StringExtract, RunsAreCappedAt8191Bytes)
-{
-    std::string const bytes = std::string(10000, 'x') + Z(1);
-    ZKContainer<ZKString> const out = Extract(bytes, 4, false);
-    ASSERT_EQ(out.GetItemCount(), 1u);
-    EXPECT_EQ(out.GetItem(0).GetSize(), 16382);
-    EXPECT_EQ(Bytes(out.GetItem(0)), std::string(8191, 'x') + Z(8191));
-    EXPECT_TRUE(ItemBytes(Extract(bytes, 10001, false)).empty()) << "the count goes on past the cap";
-    EXPECT_EQ(ItemBytes(Extract(bytes, 10000, false)).size(), 1u);
-}
-
-TEST(StringExtract, BytesBehindTheZeroComeFromEarlierRuns)
-{
-    std::string const bytes = "ABCDEFGHIJ" + Z(1) + "abcd" + Z(1);
-    EXPECT_EQ(ItemBytes(Extract(bytes, 4, false)), (Items{"ABCDEFGHIJ" + Z(10), std::string("abcd\0FGH", 8)}));
+    std::string const tenThousand = std::string(10000, 'x') + Z(1);
+    struct Row {
+        std::string bytes;
+        unsigned int minimum;
+        bool wide;
+        Items items;
+    } const rows[] = {
+        {"hello" + Z(1), 4, false, {"hello" + Z(5)}},  // the size is doubled
+        {"hello", 4, false, {}},                        // a run that reaches the end is dropped
+        {"abc" + Z(1), 4, true, {}}, {"\x01\x02" "abcd\x03", 4, false, {"abcd" + Z(4)}},
+        {"t\tb\r\n" + Z(1), 4, false, {"t\tb\r\n" + Z(5)}},  // tab, CR and LF are printable
+        {Wide("wide") + Z(2), 4, true, {"wide" + Z(4)}},
+        {Wide("wide") + Z(2), 4, false, {}},  // without the flag only plain runs are emitted
+        {Wide("wide"), 4, true, {}},          // one zero unit is not the end
+        {Wide("wid") + Z(2), 4, true, {}},
+        // Two printables end a wide run: the 'x' joined it as a fifth byte, so
+        // count - 1 bytes are emitted, and "xy" is lost from the plain run.
+        {Wide("wide") + "xyzzy" + Z(1), 4, true, {"wide" + Z(4)}}, {Wide("wide") + "xyzzy" + Z(1), 4, false, {}},
+        {Wide("wide") + "xyzzy" + Z(1), 3, true, {"wide" + Z(4), std::string("zzy\0x\0", 6)}},
+        // A short plain run ending in a zero restarts as its last byte, and
+        // the wide run b c d e follows; a non-zero byte ends it for good.
+        {"ab" + Z(1) + "c" + Z(1) + "d" + Z(1) + "e" + Z(2), 4, true, {"bcde" + Z(4)}},
+        {"ab" + Z(1) + "c" + Z(1) + "d" + Z(1) + "e" + Z(2), 4, false, {}},
+        {"ab\x01" "c\x01" "d\x01" "e\x01\x01", 4, true, {}},
+        {"ab\x01" "cd" + Z(1), 2, false, {"ab" + Z(2), "cd" + Z(2)}},
+        // Runs are capped at 8,191 bytes, the count goes on past the cap.
+        {tenThousand, 4, false, {std::string(8191, 'x') + Z(8191)}},
+        {tenThousand, 10000, false, {std::string(8191, 'x') + Z(8191)}}, {tenThousand, 10001, false, {}},
+        // The bytes behind the zero come from earlier runs.
+        {"ABCDEFGHIJ" + Z(1) + "abcd" + Z(1), 4, false, {"ABCDEFGHIJ" + Z(10), std::string("abcd\0FGH", 8)}},
+        {std::string(100000, 'A'), 4, true, {}}, {Z(100000), 0, true, {}}, {"", 0, true, {}},
+        // A minimum of 0: "ab" went to the cleared wide run at 'b', so the
+        // plain run's end emits an empty item.
+        {"ab\x01", 0, false, {""}}, {"a\x01\x01", 0, true, {std::string("a\0", 2)}},
+    };
+    for (Row const& row : rows) {
+        ZKContainer<ZKString> out;
+        EXPECT_EQ(ZKString::FindStringsInBinaryData(Counted(row.bytes), row.minimum, row.wide, out), !row.items.empty());
+        EXPECT_EQ(ItemBytes(out), row.items) << row.bytes.substr(0, 40) << " " << row.minimum << " " << row.wide;
+    }
 }
 
 TEST(StringExtract, AppendsToTheListAndReportsAnyItem)
 {
     ZKContainer<ZKString> out;
     out.PushBack(ZKString("old"));
-    EXPECT_TRUE(ZKString::FindStringsInBinaryData(ZKString("nothing"), 4, true, out))
-        << "true when the list holds any item, old ones included";
+    EXPECT_TRUE(ZKString::FindStringsInBinaryData(ZKString("nothing"), 4, true, out)) << "old items count";
     ZKString const data = Counted("first" + Z(1) + "second" + Z(1));
     EXPECT_TRUE(data.FindStringsInBinaryData(4, false, out));
-    EXPECT_EQ(ItemTexts(out), (Items{"old", "first", "second"}));
+    EXPECT_EQ(ItemBytes(out), (Items{"old", "first" + Z(5), "second" + Z(6)}));
 
     ZKContainer<ZKString> own(1);
     own.PushBack(Counted("abcd" + Z(1) + "efgh" + Z(1)));
     EXPECT_TRUE(own.GetItem(0).FindStringsInBinaryData(4, false, own)) << "the member form reads a copy";
-    EXPECT_EQ(ItemTexts(own), (Items{"abcd", "abcd", "efgh"}));
-
-    ZKContainer<ZKString> viaStatic;
-    ZKString::FindStringsInBinaryData(data, 4, false, viaStatic);
-    EXPECT_EQ(ItemBytes(viaStatic), (Items{"first" + Z(5), "second" + Z(6)}));
-}
-
-TEST(StringExtract, RepeatedBytesAndEmptyData)
-{
-    EXPECT_TRUE(ItemBytes(Extract(std::string(100000, 'A'), 4, true)).empty());
-    EXPECT_TRUE(ItemBytes(Extract(Z(100000), 0, true)).empty());
-    EXPECT_TRUE(ItemBytes(Extract("", 0, true)).empty());
-    // A minimum of 0: "ab" went to the cleared wide run at 'b', so the plain
-    // run's end emits an empty item.
-    EXPECT_EQ(ItemBytes(Extract("ab\x01", 0, false)), (Items{""}));
-    EXPECT_EQ(ItemBytes(Extract("a\x01\x01", 0, true)), (Items{std::string("a\0", 2)}));
+    EXPECT_EQ(ItemBytes(own).size(), 3u);
+    EXPECT_EQ(Bytes(own.GetItem(2)), "efgh" + Z(4));
 }

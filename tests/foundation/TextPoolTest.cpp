@@ -21,10 +21,7 @@ using zk64::detail::TextPoolCounts;
 
 // Destroyed after the thread's cache is given back, since it is constructed
 // before the cache is first used.
-struct LateOwner {
-    std::unique_ptr<ZKString> text;
-};
-thread_local LateOwner tLateOwner;
+thread_local struct LateOwner { std::unique_ptr<ZKString> text; } tLateOwner;
 
 // Everything a finished thread took from the pool is back in the depot: the
 // blocks it carved, those it took from the depot, and one released only after
