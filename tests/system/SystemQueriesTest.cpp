@@ -8,10 +8,10 @@
 TEST(SystemQueries, RealMachine)
 {
     unsigned long long const total = GetSystemPhysicalMemoryTotalBytes();
-    EXPECT_TRUE(total > (64ull << 20) && GetSystemPhysicalMemoryTotalKB() == total >> 10);
-    EXPECT_TRUE(GetSystemPageFileSizeBytes() >= total && GetMemoryLoadPercent() <= 100);
+    EXPECT_TRUE(total > (64ull << 20) && GetSystemPhysicalMemoryTotalKB() == total >> 10 &&
+                GetSystemPageFileSizeBytes() >= total);
     EXPECT_TRUE(GetSystemMaxApplicationAddress() > GetSystemMinApplicationAddress() &&
                 GetSystemMaxApplicationAddress() < 1ull << 48);
-    EXPECT_TRUE(GetComputerNameLocal().IsNotEmpty() && GetComputerNameLocal().GetSize() <= 15);
-    EXPECT_TRUE(GetCurrentUserName().IsNotEmpty() && !IsDebuggerAttached());
+    EXPECT_TRUE(GetComputerNameLocal().GetSize() - 1u < 15u && GetCurrentUserName().IsNotEmpty() &&
+                !IsDebuggerAttached());
 }
