@@ -185,6 +185,11 @@ TEST(Processes, BadIdentifiersNamesAndHandles)
     }
     EXPECT_TRUE(name == "kept" && modules.GetItemCount() == 0 && walk.GetItemCount() == 0 && mask == 0x5A);
     ZKString const unknown("zk64 no such process");
+    ProcessPackageInfo info;
+    EXPECT_FALSE(IsProcessUniversalWindowsPlatform(unknown) || GetProcessPackageFullName(unknown, name) ||
+                 GetProcessPackageFamilyName(unknown, name) || GetProcessPackageInfo(unknown, info) ||
+                 IsProcessUniversalWindowsPlatform(0ul) || GetProcessPackageFamilyName(0ul, name) ||
+                 GetProcessPackageInfo(0ul, info));
     EXPECT_TRUE(SetProcessPriorityClass(unknown, ProcessPriorityIdle) && SetProcessAffinity(unknown, 1))
         << "true for an unknown name";
     EXPECT_FALSE(GetProcessVirtualMemoryAddresses(unknown, walk) ||
