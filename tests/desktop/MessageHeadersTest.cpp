@@ -11,7 +11,6 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
-#include <optional>
 #include <set>
 #include <sstream>
 #include <string>
@@ -57,7 +56,8 @@ std::set<long long> Values(Definitions const& definitions, std::string const& na
             long long const sign = text[at] == '-' ? -1 : 1;
             if (at > 0 || text[at] == '-') ++at;  // the operator before each term
             std::size_t end = at;
-            while (end < text.size() && (std::isalnum(static_cast<unsigned char>(text[end])) || text[end] == '_')) ++end;
+            while (end < text.size() && (std::isalnum(static_cast<unsigned char>(text[end])) || text[end] == '_'))
+                ++end;
             std::string const term = text.substr(at, end - at);
             valid = !term.empty() && (end == text.size() || text[end] == '+' || text[end] == '-');
             if (valid && std::isdigit(static_cast<unsigned char>(term[0]))) {
@@ -82,14 +82,13 @@ TEST(MessageHeaders, EveryRowTheHeadersDefineCarriesTheirNumber)
     ASSERT_EQ(Values(definitions, "LVM_GETITEMW"), std::set<long long>{0x1000 + 75}) << "the headers are read";
     ASSERT_EQ(Values(definitions, "EM_SETSCROLLPOS"), std::set<long long>{0x400 + 222});
     int checked = 0;
-    std::string undefined;
     for (zk64::detail::WindowMessageName const& row : zk64::detail::WindowMessageNames()) {
         std::set<long long> const values = Values(definitions, row.name);
-        if (values.empty()) undefined += std::string(row.name) + ' ';
         checked += !values.empty();
         EXPECT_TRUE(values.empty() || values.count(row.number) == 1) << row.name << " is " << row.number;
     }
-    EXPECT_GE(checked, 440) << "not defined by the headers: " << undefined;
+    EXPECT_EQ(zk64::detail::WindowMessageNames().size(), 450u);
+    EXPECT_GE(checked, 440) << "rows the headers define";
 }
 
 }  // namespace

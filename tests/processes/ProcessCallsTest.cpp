@@ -18,7 +18,10 @@
 namespace {
 
 HINSTANCE__* Module(std::uintptr_t value) { return reinterpret_cast<HINSTANCE__*>(value); }
-std::string Open(DWORD access, unsigned pid) { return "OpenProcess(access=" + fake::Hex(access) + ", inherit=0, pid=" + std::to_string(pid) + ")"; }
+std::string Open(DWORD access, unsigned pid)
+{
+    return "OpenProcess(access=" + fake::Hex(access) + ", inherit=0, pid=" + std::to_string(pid) + ")";
+}
 std::string const kClose = "CloseHandle(handle=0x44)";
 
 // A path of the platform's own form: "dir<sep>sub<sep>name".
@@ -34,7 +37,6 @@ std::string PlatformPath(std::vector<std::string> const& parts)
 
 class ProcessCalls : public FakeTest {
 protected:
-
     // The process list the fake hands out: {session, pid, name}.
     std::vector<platform::WtsProcessInfoA> rows;
     std::vector<std::string> names;
@@ -53,7 +55,10 @@ protected:
             return 1;
         };
     }
-    void ScriptOpen() { fake::Processes().OpenProcess = [](DWORD, BOOL, DWORD) { return kHandle; }; }
+    void ScriptOpen()
+    {
+        fake::Processes().OpenProcess = [](DWORD, BOOL, DWORD) { return kHandle; };
+    }
     void ScriptExePath(std::string path)
     {
         fake::Processes().K32GetModuleFileNameExA = [path](HANDLE, HINSTANCE__*, char* buffer, DWORD size) {
@@ -76,10 +81,10 @@ TEST_F(ProcessCalls, AccessWordsTranslateBitByBit)
     };
     // Every bit of both tables; 0x1000 has a process right only.
     Row const table[] = {
-        {0x0001, 0x80, 0x80},     {0x0002, 0x2, 0x40},      {0x0004, 0x40, 0x20},     {0x0008, 0x400, 0x100},
-        {0x0010, 0x1000, 0x1},    {0x0020, 0x200, 0x2},     {0x0040, 0x100, 0x20000}, {0x0080, 0x800, 0x4},
-        {0x0100, 0x1, 0x8},       {0x0200, 0x8, 0x10},      {0x0400, 0x10, 0x20008},  {0x0800, 0x20, 0x200E0},
-        {0x1000, 0x100000, 0},    {0x2000, 0, 0},           {~0x1FFFull, 0, 0},       {0, 0, 0},
+        {0x0001, 0x80, 0x80},        {0x0002, 0x2, 0x40},  {0x0004, 0x40, 0x20},     {0x0008, 0x400, 0x100},
+        {0x0010, 0x1000, 0x1},       {0x0020, 0x200, 0x2}, {0x0040, 0x100, 0x20000}, {0x0080, 0x800, 0x4},
+        {0x0100, 0x1, 0x8},          {0x0200, 0x8, 0x10},  {0x0400, 0x10, 0x20008},  {0x0800, 0x20, 0x200E0},
+        {0x1000, 0x100000, 0},       {0x2000, 0, 0},       {~0x1FFFull, 0, 0},       {0, 0, 0},
         {0x1FFF, 0x101FFB, 0x201FF},
     };
     fake::Security().OpenProcessToken = [](HANDLE, DWORD, HANDLE* token) {
@@ -90,8 +95,9 @@ TEST_F(ProcessCalls, AccessWordsTranslateBitByBit)
         SCOPED_TRACE(fake::Hex(row.word));
         EXPECT_EQ(OpenProcessHandle(77, row.word).handle, nullptr);
         EXPECT_EQ(OpenProcessTokenHandle(ProcessHandle{kHandle}, row.word).handle, kHandle);
-        EXPECT_EQ(fake::TakeCalls(), (Calls{Open(row.processRight, 77), "GetLastError()",
-                                            "OpenProcessToken(0x44, access=" + fake::Hex(row.tokenRight) + ", token=out)"}));
+        EXPECT_EQ(fake::TakeCalls(),
+                  (Calls{Open(row.processRight, 77), "GetLastError()",
+                         "OpenProcessToken(0x44, access=" + fake::Hex(row.tokenRight) + ", token=out)"}));
     }
 }
 
@@ -113,11 +119,19 @@ TEST_F(ProcessCalls, IdentifierFormsOpenWithTheirWordAndAlwaysClose)
         {"GetProcessName", 0x1000, [&] { GetProcessName(9ul, name); }, {pathCall}},
         {"GetProcessExePath", 0x410, [&] { GetProcessExePath(9ul); }, {pathCall}},
         {"GetProcessExeDirectory", 0x410, [&] { GetProcessExeDirectory(9ul); }, {pathCall}},
-        {"IsProcess32Bit", 0x400, [&] { IsProcess32Bit(9ul); }, {"IsWow64Process(0x44, flag=out)", "GetNativeSystemInfo()"}},
-        {"IsProcess64Bit", 0x400, [&] { IsProcess64Bit(9ul); }, {"IsWow64Process(0x44, flag=out)", "GetNativeSystemInfo()"}},
+        {"IsProcess32Bit",
+         0x400,
+         [&] { IsProcess32Bit(9ul); },
+         {"IsWow64Process(0x44, flag=out)", "GetNativeSystemInfo()"}},
+        {"IsProcess64Bit",
+         0x400,
+         [&] { IsProcess64Bit(9ul); },
+         {"IsWow64Process(0x44, flag=out)", "GetNativeSystemInfo()"}},
         {"GetProcessModules", 0x410, [&] { GetProcessModules(9ul, modules); }, {modulesCall}},
         {"DoesProcessMatchProcessName", 0x410, [&] { DoesProcessMatchProcessName(9ul, "app.exe"); }, {pathCall}, true},
-        {"OpenProcessTokenHandle", 0x410, [&] { OpenProcessTokenHandle(9ul, 0x100); },
+        {"OpenProcessTokenHandle",
+         0x410,
+         [&] { OpenProcessTokenHandle(9ul, 0x100); },
          {"OpenProcessToken(0x44, access=0x8, token=out)", "GetLastError()"}},
     };
     for (Row const& row : table) {
@@ -153,9 +167,10 @@ TEST_F(ProcessCalls, NameFormsTakeTheFirstExactMatch)
     fake::TakeCalls();
 
     EXPECT_TRUE(GetProcessExePath(ZKString("app.exe")) == PlatformPath({"C:", "dir", "app.exe"}).c_str());
-    EXPECT_EQ(fake::TakeCalls(), (Calls{"WTSEnumerateProcessesA(server=null, reserved=0, version=1, processes=out, count=out)",
-                                        "WTSFreeMemory(" + fake::Pointer(rows.data()) + ")", Open(0x410, 30),
-                                        "K32GetModuleFileNameExA(0x44, module=null, buffer=out, size=260)", kClose}));
+    EXPECT_EQ(fake::TakeCalls(),
+              (Calls{"WTSEnumerateProcessesA(server=null, reserved=0, version=1, processes=out, count=out)",
+                     "WTSFreeMemory(" + fake::Pointer(rows.data()) + ")", Open(0x410, 30),
+                     "K32GetModuleFileNameExA(0x44, module=null, buffer=out, size=260)", kClose}));
     // An unknown name fails before any open.
     ZKContainer<ZKString> paths;
     HINSTANCE__* found = Module(5);
@@ -181,12 +196,8 @@ TEST_F(ProcessCalls, ProcessListAppendsAndLeavesAFailureAlone)
     ASSERT_TRUE(GetAllProcesses(list));
     ASSERT_TRUE(GetAllProcesses(list));
     ASSERT_EQ(list.GetItemCount(), 4u);
-    EXPECT_EQ(list[3].sessionID, 8u);
-    EXPECT_EQ(list[3].processID, 30u);
-    EXPECT_TRUE(list[3].processName == "app.exe");
-    EXPECT_EQ(list[3].userSid, reinterpret_cast<void*>(0x1001));
-    EXPECT_TRUE(list[0] == list[2]);
-    EXPECT_FALSE(list[0] == list[1]);
+    EXPECT_TRUE(list[3].sessionID == 8 && list[3].processID == 30 && list[3].processName == "app.exe");
+    EXPECT_TRUE(list[3].userSid == reinterpret_cast<void*>(0x1001) && list[0] == list[2] && !(list[0] == list[1]));
 
     rows.clear();
     ZKContainer<ProcessInfo> empty;
@@ -197,33 +208,25 @@ TEST_F(ProcessCalls, ProcessListAppendsAndLeavesAFailureAlone)
 TEST_F(ProcessCalls, ProcessInfoRecordRules)
 {
     ProcessInfo info;
-    EXPECT_FALSE(info.IsProcessInfoValid());
     info.processName = "x.exe";
     EXPECT_FALSE(info.IsProcessInfoValid()) << "a name alone does not make it valid";
-    ProcessInfo other;
-    other.processID = 3;
-    EXPECT_TRUE(other.IsProcessInfoValid());
     info.processID = 3;
     info.sessionID = 1;
-    info.userSid = &other;
+    info.userSid = &info;
     ProcessInfo moved(std::move(info));
-    EXPECT_TRUE(info.processName.IsEmpty()) << "a move takes the name";
-    EXPECT_EQ(info.processID, 3u);
-    EXPECT_EQ(info.userSid, &other);
-    ProcessInfo copy = moved;
-    EXPECT_TRUE(copy == moved);
-    for (auto change : std::vector<std::function<void(ProcessInfo&)>>{
-             [](ProcessInfo& p) { p.sessionID = 2; }, [](ProcessInfo& p) { p.processID = 4; },
-             [](ProcessInfo& p) { p.processName = "x.exf"; }, [](ProcessInfo& p) { p.processName = "x.ex"; },
-             [](ProcessInfo& p) { p.userSid = nullptr; }}) {
+    EXPECT_TRUE(info.processName.IsEmpty() && info.processID == 3 && info.userSid == &info) << "a move takes the name";
+    for (auto change :
+         {+[](ProcessInfo& p) { p.sessionID = 2; }, +[](ProcessInfo& p) { p.processID = 4; },
+          +[](ProcessInfo& p) { p.processName = "x.exf"; }, +[](ProcessInfo& p) { p.processName = "x.ex"; },
+          +[](ProcessInfo& p) { p.userSid = nullptr; }}) {
         ProcessInfo changed = moved;
+        EXPECT_TRUE(changed == moved && changed.IsProcessInfoValid());
         change(changed);
         EXPECT_FALSE(changed == moved);
     }
     ProcessInfo target;
-    target = std::move(copy);
-    EXPECT_TRUE(target == moved);
-    EXPECT_TRUE(copy.processName.IsEmpty());
+    target = std::move(moved);
+    EXPECT_TRUE(target.processName == "x.exe" && moved.processName.IsEmpty());
 }
 
 TEST_F(ProcessCalls, ModuleListsStayWithinTheArray)
@@ -309,7 +312,9 @@ TEST_F(ProcessCalls, ExecutablePathNameAndDirectory)
     EXPECT_TRUE(DoesProcessMatchProcessName(ProcessHandle{}, ""));
     EXPECT_TRUE(fake::TakeCalls().empty()) << "a null handle is not asked";
     EXPECT_TRUE(GetCurrentProcessExePath().IsEmpty());
-    EXPECT_EQ(fake::TakeCalls(), (Calls{"GetCurrentProcess()", "K32GetModuleFileNameExA(0xffffffffffffffff, module=null, buffer=out, size=260)"}));
+    EXPECT_EQ(fake::TakeCalls(),
+              (Calls{"GetCurrentProcess()",
+                     "K32GetModuleFileNameExA(0xffffffffffffffff, module=null, buffer=out, size=260)"}));
 }
 
 TEST_F(ProcessCalls, BitnessFromArchitectureAndEmulation)
@@ -321,12 +326,14 @@ TEST_F(ProcessCalls, BitnessFromArchitectureAndEmulation)
         bool is64;
     };
     Row const table[] = {
-        {9, 0, false, true}, {9, 1, true, false}, {9, 2, false, false},
-        {0, 0, true, false}, {0, 1, false, false}, {12, 0, true, false}, {12, 1, false, false},
+        {9, 0, false, true},  {9, 1, true, false},  {9, 2, false, false},  {0, 0, true, false},
+        {0, 1, false, false}, {12, 0, true, false}, {12, 1, false, false},
     };
     for (Row const& row : table) {
         SCOPED_TRACE(std::to_string(row.architecture) + "/" + std::to_string(row.wow));
-        fake::System().GetNativeSystemInfo = [&](platform::NativeSystemInfo* info) { info->wProcessorArchitecture = row.architecture; };
+        fake::System().GetNativeSystemInfo = [&](platform::NativeSystemInfo* info) {
+            info->wProcessorArchitecture = row.architecture;
+        };
         fake::Processes().IsWow64Process = [&](HANDLE, BOOL* wow) {
             *wow = row.wow;
             return 0;  // the call's result is not examined
@@ -357,10 +364,11 @@ TEST_F(ProcessCalls, PrivilegeAdjustment)
     EXPECT_TRUE(AdjustPrivilege(token, "SeDebugPrivilege", false));
     EXPECT_EQ(fake::TakeCalls(),
               (Calls{"LookupPrivilegeValueA(system=null, name=\"SeDebugPrivilege\", luid=out)",
-                     "AdjustTokenPrivileges(0x44, disableAll=0, count=1 [20.0:2], bufferLength=16, previous=null, returnLength=null)",
-                     "GetLastError()",
-                     "LookupPrivilegeValueA(system=null, name=\"SeDebugPrivilege\", luid=out)",
-                     "AdjustTokenPrivileges(0x44, disableAll=0, count=1 [20.0:0], bufferLength=16, previous=null, returnLength=null)",
+                     "AdjustTokenPrivileges(0x44, disableAll=0, count=1 [20.0:2], bufferLength=16, previous=null, "
+                     "returnLength=null)",
+                     "GetLastError()", "LookupPrivilegeValueA(system=null, name=\"SeDebugPrivilege\", luid=out)",
+                     "AdjustTokenPrivileges(0x44, disableAll=0, count=1 [20.0:0], bufferLength=16, previous=null, "
+                     "returnLength=null)",
                      "GetLastError()"}));
     EXPECT_FALSE(AdjustPrivilege(token, "SeNoSuchPrivilege", true));
     EXPECT_EQ(fake::TakeCalls().size(), 1u) << "an unknown name stops at the lookup";
@@ -381,10 +389,9 @@ TEST_F(ProcessCalls, CurrentProcessEnvironmentAndHandles)
     fake::Processes().GetEnvironmentStrings = [] { return block; };
     ZKContainer<ZKString> const entries = GetCurrentProcessEnvironmentStrings();
     ASSERT_EQ(entries.GetItemCount(), 3u);
-    EXPECT_TRUE(entries[0] == "A=1");
-    EXPECT_TRUE(entries[1] == "=C:=C:\\x");
-    EXPECT_TRUE(entries[2] == "PATH=a;b");
-    EXPECT_EQ(fake::TakeCalls(), (Calls{"GetEnvironmentStrings()", "FreeEnvironmentStringsA(" + fake::Pointer(block) + ")"}));
+    EXPECT_TRUE(entries[0] == "A=1" && entries[1] == "=C:=C:\\x" && entries[2] == "PATH=a;b");
+    EXPECT_EQ(fake::TakeCalls(),
+              (Calls{"GetEnvironmentStrings()", "FreeEnvironmentStringsA(" + fake::Pointer(block) + ")"}));
     fake::Processes().GetEnvironmentStrings = nullptr;
     EXPECT_EQ(GetCurrentProcessEnvironmentStrings().GetItemCount(), 0u);
     fake::TakeCalls();
@@ -398,24 +405,29 @@ TEST_F(ProcessCalls, CurrentProcessEnvironmentAndHandles)
     EXPECT_EQ(GetProcessID(reinterpret_cast<HWND__*>(0x99)), 0u) << "the result variable starts at 0";
     CloseProcessHandle(ProcessHandle{});
     CloseTokenHandle(TokenHandle{kHandle});
-    EXPECT_EQ(fake::TakeCalls(), (Calls{"GetModuleHandleA(null)", "GetProcessId(0x44)",
-                                        "GetWindowThreadProcessId(window=0x99, pid=out)", "CloseHandle(handle=null)", kClose}));
+    EXPECT_EQ(fake::TakeCalls(),
+              (Calls{"GetModuleHandleA(null)", "GetProcessId(0x44)", "GetWindowThreadProcessId(window=0x99, pid=out)",
+                     "CloseHandle(handle=null)", kClose}));
 }
 
 TEST_F(ProcessCalls, ShellLaunchVerbAndResult)
 {
     std::intptr_t answer = 0;
-    fake::Processes().ShellExecuteA = [&](char const*, char const*, char const*) { return Module(static_cast<std::uintptr_t>(answer)); };
-    for (auto [value, expected] : std::vector<std::pair<std::intptr_t, bool>>{{33, true}, {32, false}, {2, false}, {-5, false}, {0x100000021, true}}) {
+    fake::Processes().ShellExecuteA = [&](char const*, char const*, char const*) {
+        return Module(static_cast<std::uintptr_t>(answer));
+    };
+    for (auto [value, expected] : std::vector<std::pair<std::intptr_t, bool>>{
+             {33, true}, {32, false}, {2, false}, {-5, false}, {0x100000021, true}}) {
         answer = value;
         EXPECT_EQ(ExecuteShellProcess(ZKString("app.exe"), ZKString("-x"), false), expected) << value;
     }
     fake::TakeCalls();
     ExecuteShellProcess(ZKString("app.exe"), ZKString(""), true);
     ExecuteShellProcess(ZKString("app.exe"), ZKString("a b"), false);
-    EXPECT_EQ(fake::TakeCalls(),
-              (Calls{"ShellExecuteA(owner=null, verb=\"runas\", file=\"app.exe\", parameters=\"\", directory=null, show=1)",
-                     "ShellExecuteA(owner=null, verb=\"\", file=\"app.exe\", parameters=\"a b\", directory=null, show=1)"}));
+    EXPECT_EQ(
+        fake::TakeCalls(),
+        (Calls{"ShellExecuteA(owner=null, verb=\"runas\", file=\"app.exe\", parameters=\"\", directory=null, show=1)",
+               "ShellExecuteA(owner=null, verb=\"\", file=\"app.exe\", parameters=\"a b\", directory=null, show=1)"}));
 }
 
 TEST_F(ProcessCalls, AdministratorTestThrowsTheErrorCode)

@@ -27,8 +27,8 @@ std::vector<Predicate> const& Predicates()
 {
     static std::vector<Predicate> const table = [] {
         std::vector<Predicate> rows;
-#define ZK_PROTECTION_ROWS(Name, bit)                                                             \
-    rows.push_back({"IsAllocProtect" #Name, &Info::IsAllocProtect##Name, &Info::AllocationProtect, bit}); \
+#define ZK_PROTECTION_ROWS(Name, bit)                                                                                  \
+    rows.push_back({"IsAllocProtect" #Name, &Info::IsAllocProtect##Name, &Info::AllocationProtect, bit});              \
     rows.push_back({"IsProtect" #Name, &Info::IsProtect##Name, &Info::Protect, bit});
         ZK_MEMORY_PROTECTION_BITS(ZK_PROTECTION_ROWS)
 #undef ZK_PROTECTION_ROWS
@@ -110,29 +110,19 @@ TEST_F(MemoryCalls, EachPredicateTestsOneBitOfOneField)
     EXPECT_EQ(trueCount, 2);
 }
 
-TEST_F(MemoryCalls, RecordEqualityAndAccessors)
+TEST_F(MemoryCalls, RecordEquality)
 {
     Info record;
     record.BaseAddress = 0x10000;
-    record.AllocationBase = 0x8000;
-    record.RegionSize = 0x3000;
-    EXPECT_EQ(record.GetBaseAddr(), reinterpret_cast<unsigned char*>(0x10000));
-    EXPECT_EQ(record.GetAllocBaseAddr(), reinterpret_cast<unsigned char*>(0x8000));
-    EXPECT_EQ(record.GetRegionSizeBytes(), 0x3000u);
-    EXPECT_TRUE(Info() == Info());
-    std::vector<void (*)(Info&)> const changes = {
-        [](Info& r) { r.BaseAddress += 1; },       [](Info& r) { r.AllocationBase += 1; },
-        [](Info& r) { r.AllocationProtect += 1; }, [](Info& r) { r.RegionSize += 1; },
-        [](Info& r) { r.State += 1; },             [](Info& r) { r.Protect += 1; },
-        [](Info& r) { r.Type += 1; }};
-    for (auto change : changes) {
+    for (auto change :
+         {+[](Info& r) { r.BaseAddress += 1; }, +[](Info& r) { r.AllocationBase += 1; },
+          +[](Info& r) { r.AllocationProtect += 1; }, +[](Info& r) { r.RegionSize += 1; },
+          +[](Info& r) { r.State += 1; }, +[](Info& r) { r.Protect += 1; }, +[](Info& r) { r.Type += 1; }}) {
         Info other = record;
-        EXPECT_TRUE(other == record);
         change(other);
-        EXPECT_FALSE(other == record);
+        EXPECT_TRUE(Info(record) == record && !(other == record));
     }
-    Info moved = std::move(record);
-    EXPECT_TRUE(moved == record) << "a move copies";
+    EXPECT_EQ(record.GetBaseAddr(), reinterpret_cast<unsigned char*>(0x10000));
 }
 
 TEST_F(MemoryCalls, WalkTilesFromZeroAndAppends)
@@ -144,12 +134,8 @@ TEST_F(MemoryCalls, WalkTilesFromZeroAndAppends)
     out.PushBack(Info());
     ASSERT_TRUE(GetProcessVirtualMemoryAddresses(kProcess, out));
     ASSERT_EQ(out.GetItemCount(), 4u);
-    EXPECT_EQ(out[1].BaseAddress, 0u);
-    EXPECT_EQ(out[2].BaseAddress, 0x1000u);
-    EXPECT_EQ(out[3].BaseAddress, 0x5000u);
-    EXPECT_EQ(out[3].RegionSize, 0x5000u);
-    EXPECT_EQ(out[3].AllocationProtect, 0x40u);
-    EXPECT_EQ(out[3].Type, 0x20000u);
+    EXPECT_TRUE(out[1].BaseAddress == 0 && out[2].BaseAddress == 0x1000 && out[3].BaseAddress == 0x5000);
+    EXPECT_TRUE(out[3].RegionSize == 0x5000 && out[3].AllocationProtect == 0x40 && out[3].Type == 0x20000);
     EXPECT_EQ(fake::TakeCalls(),
               (Calls{"GetNativeSystemInfo()", "VirtualQueryEx(0x44, address=0x0, information=out, length=48)",
                      "VirtualQueryEx(0x44, address=0x1000, information=out, length=48)",
@@ -197,7 +183,6 @@ TEST_F(MemoryCalls, WalkRepeatsTheLastRecordOnAFailedQueryAndIsBounded)
 
 TEST_F(MemoryCalls, ReadResizesIntoTheStringItself)
 {
-    std::string written;
     fake::Memory().ReadProcessMemory = [&](void const*, void* buffer, std::size_t size) {
         std::memset(buffer, 'x', size / 2);
         return 0;  // partly read
@@ -252,28 +237,26 @@ TEST_F(MemoryCalls, WritesTakeTheirByteCountAndRefuseShortData)
     EXPECT_TRUE(SetVirtualMemoryData(kProcess, address, data, 7));
     EXPECT_EQ(written, std::string("ab\0cdef", 7));
     EXPECT_TRUE(SetVirtualMemoryData(kProcess, address, data, 0));
-    EXPECT_EQ(fake::TakeCalls(),
-              (Calls{"WriteProcessMemory(0x44, address=0x7000, buffer=out, size=4, done=null)",
-                     "WriteProcessMemory(0x44, address=0x9000, buffer=out, size=7, done=null)",
-                     "WriteProcessMemory(0x44, address=0x9000, buffer=out, size=0, done=null)"}));
+    EXPECT_EQ(fake::TakeCalls(), (Calls{"WriteProcessMemory(0x44, address=0x7000, buffer=out, size=4, done=null)",
+                                        "WriteProcessMemory(0x44, address=0x9000, buffer=out, size=7, done=null)",
+                                        "WriteProcessMemory(0x44, address=0x9000, buffer=out, size=0, done=null)"}));
     region.RegionSize = 8;
     EXPECT_FALSE(SetVirtualMemoryData(kProcess, region, data));
     EXPECT_FALSE(SetVirtualMemoryData(kProcess, address, data, 8));
     EXPECT_TRUE(fake::TakeCalls().empty()) << "nothing is read past the string";
 
     region.RegionSize = 2;
-    EXPECT_FALSE(SetVirtualMemoryData(9ul, region, data)) << "the process cannot be opened";
-    EXPECT_FALSE(SetVirtualMemoryData(9ul, address, data, 1));
-    EXPECT_FALSE(SetVirtualMemoryData(ZKString("nope.exe"), region, data));
-    EXPECT_FALSE(SetVirtualMemoryData(ZKString("nope.exe"), address, data, 1));
+    EXPECT_FALSE(SetVirtualMemoryData(9ul, region, data) || SetVirtualMemoryData(9ul, address, data, 1) ||
+                 SetVirtualMemoryData(ZKString("nope.exe"), region, data) ||
+                 SetVirtualMemoryData(ZKString("nope.exe"), address, data, 1));
     fake::TakeCalls();
     fake::Processes().OpenProcess = [](DWORD, BOOL, DWORD) { return kHandle; };
     EXPECT_TRUE(SetVirtualMemoryData(9ul, region, data));
     EXPECT_TRUE(SetVirtualMemoryData(9ul, address, data, 1));
     Calls const calls = fake::TakeCalls();
     ASSERT_EQ(calls.size(), 6u);
-    EXPECT_EQ(calls[0], "OpenProcess(access=0x28, inherit=0, pid=9)");
-    EXPECT_EQ(calls[3], "OpenProcess(access=0x28, inherit=0, pid=9)");
+    EXPECT_EQ(calls[0] + calls[3],
+              "OpenProcess(access=0x28, inherit=0, pid=9)OpenProcess(access=0x28, inherit=0, pid=9)");
     ZKContainer<Info> walk;
     EXPECT_FALSE(GetProcessVirtualMemoryAddresses(ZKString("nope.exe"), walk));
     EXPECT_EQ(walk.GetItemCount(), 0u);
