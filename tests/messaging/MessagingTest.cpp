@@ -65,31 +65,36 @@ TEST(Messaging, RandomOperationsMatchTheModel)
 
 TEST(Messaging, FullCleanupListChangesDuringDeliveryAndCopies)
 {
-    Node a(0), b(1), c(2), x(3);
+    Node a(0), b(1), c(2), d(3), x(4);
     EXPECT_TRUE(a.GetFlagsData() == 1 && a.observers.bucket_count() >= 8 && a.observers.max_load_factor() == 1.0f);
     std::vector<std::unique_ptr<Node>> crowd;  // 512 fill the ring, which refuses removals, exactly
-    for (int i = 0; i < 512; ++i) a.AttachObserver(9, crowd.emplace_back(std::make_unique<Node>(4)).get());
+    for (int i = 0; i < 512; ++i) a.AttachObserver(9, crowd.emplace_back(std::make_unique<Node>(5)).get());
     crowd[200].reset();
     EXPECT_TRUE(a.cleanupList.GetItemCount() == 511 && a.observers.size() == 511) << "the dead one left anyway";
     crowd.clear();
-    auto y = std::make_unique<Node>(5);  // x and y share small tables' lists with id 1
+    // On a small table, a receiver detaches and destroys observers of other
+    // ids, whose entries may be the neighbours of id 1's, and makes it rehash.
+    auto y = std::make_unique<Node>(6);
     for (auto [id, observer] : {std::pair{6u, &x}, {1u, &b}, {2u, &b}, {7u, y.get()}, {1u, &c}})
-        a.AttachObserver(id, observer);
-    b.onReceive = [&] {  // detaches and destroys observers of other ids, and makes the table rehash
-        a.DetachObserver(&x);
+        d.AttachObserver(id, observer);
+    std::size_t const buckets = d.observers.bucket_count();
+    b.onReceive = [&] {
+        d.DetachObserver(&x);
         y.reset();
         for (unsigned int i = 0; i < 40; ++i)
-            a.AttachObserver(100 + i, crowd.emplace_back(std::make_unique<Node>(4)).get());
-        a.AttachObserver(1, crowd.emplace_back(std::make_unique<Node>(6)).get());
+            d.AttachObserver(100 + i, crowd.emplace_back(std::make_unique<Node>(7)).get());
+        d.AttachObserver(1, crowd.emplace_back(std::make_unique<Node>(8)).get());
         b.onReceive = nullptr;
     };
-    EXPECT_EQ(Send(a, 1), (std::vector<int>{101, 201, 601}));
-    a.SetFlagsData(0b1110);  // only bit 0 travels in a copy or an assignment
-    Node copy(a), target(7);
+    EXPECT_EQ(Send(d, 1), (std::vector<int>{101, 201, 801}));
+    EXPECT_GT(d.observers.bucket_count(), buckets) << "the table rehashed during the delivery";
+    d.Notify(nullptr);       // ignored
+    d.SetFlagsData(0b1110);  // only bit 0 travels in a copy or an assignment
+    Node copy(d), target(9);
     target.SetFlagsData(0b1001);
     static_cast<ZKMessagingObject&>(target) = copy;
-    EXPECT_TRUE(copy.GetFlagsData() == 0 && target.GetFlagsData() == 0b1000 && target.observers == a.observers);
-    EXPECT_EQ(Send(copy, 1), (std::vector<int>{101, 201, 601})) << "copies are not registered";
-    a.RemoveAllObservers();
-    EXPECT_TRUE(Send(a, 1).empty() && a.cleanupList.GetItemCount() == 44);
+    EXPECT_TRUE(copy.GetFlagsData() == 0 && target.GetFlagsData() == 0b1000 && target.observers == d.observers);
+    EXPECT_EQ(Send(copy, 1), (std::vector<int>{101, 201, 801})) << "copies are not registered";
+    d.RemoveAllObservers();
+    EXPECT_TRUE(Send(d, 1).empty() && d.cleanupList.GetItemCount() == 44 && b.cleanupList.GetItemCount() == 1);
 }

@@ -23,7 +23,7 @@ TYPED_TEST(RectCommon, ConstructionEqualityAndClear)
     EXPECT_TRUE(R(3, 4) == R(3, 4, 0, 0) && R(3, 4).x == TypeParam(3)) << "the corner, not the size";
     EXPECT_FALSE(full == R(1, 2, 3, 5) || full == R(9, 2, 3, 4));
     full.Clear();
-    EXPECT_TRUE(full == R() && R().height == TypeParam(0));
+    EXPECT_TRUE(full == R(0, 0, 0, 0) && R() == R(0, 0, 0, 0));
 }
 
 TYPED_TEST(RectCommon, InBoundsIncludesTheEdgesAndOverlapOnlyTheLowEdge)
