@@ -1,14 +1,12 @@
 #pragma once
 
-// The log buffer, name and path are process-wide: each test points the log
-// at a fresh directory of its own and reads the file back.
+// The log buffer, name and path are process-wide: a test points the log at a
+// scratch directory of its own and reads the file back.
 
 #include <zk64/zk64.h>
 
 #include <filesystem>
-#include <fstream>
 #include <iostream>
-#include <iterator>
 #include <sstream>
 #include <string>
 
@@ -31,25 +29,16 @@ inline std::string OnDisk(std::string const& text) { return zk64::test::TextOnDi
 
 class LogDirectory {
 public:
-    explicit LogDirectory(std::string const& name)
-        : path(std::filesystem::temp_directory_path() / ("zk64-log-" + name))
+    explicit LogDirectory(std::string const& name) : scratch("log-" + name), path(scratch.Dir())
     {
-        std::filesystem::remove_all(path);
-        std::filesystem::create_directories(path);
-        directory = path.generic_string() + "/";
         SET_LOG_DIRECTORY(directory.c_str());
         SET_LOG_FILENAME("test");
         SET_LOG_FILE_EXT(".log");
         CLEAR_LOG_FILE();
     }
-    ~LogDirectory() { std::filesystem::remove_all(path); }
 
     std::filesystem::path File() const { return path / "test.log"; }
-    std::string Read() const
-    {
-        std::ifstream in(File(), std::ios::binary);
-        return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-    }
+    std::string Read() const { return scratch.Read("test.log"); }
     // The buffer's whole history, as WRITE_LOG_FILE writes it onto an empty file.
     std::string History() const
     {
@@ -60,6 +49,10 @@ public:
         return text;
     }
 
+private:
+    zk64::test::TempDir scratch;
+
+public:
     std::filesystem::path path;
-    std::string directory;
+    std::string directory = path.generic_string() + "/";
 };

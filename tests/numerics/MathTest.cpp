@@ -6,6 +6,7 @@
 
 #include <cstring>
 #include <limits>
+#include <tuple>
 
 namespace {
 
@@ -14,129 +15,77 @@ constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr float kInfF = std::numeric_limits<float>::infinity();
 constexpr float kNaNF = std::numeric_limits<float>::quiet_NaN();
 
-TEST(FloatCompare, EqualityScalesAndTheFamiliesDiffer)
+TEST(FloatCompare, EqualityScalesTheFamiliesDifferAndTheRanges)
 {
     // |1 - 2| = 1 is within 0.5 * larger but not 0.5 * smaller; bounds count.
-    EXPECT_TRUE(AreFloatApproximatelyEqual(1.0f, 2.0f, 0.5f));
-    EXPECT_FALSE(AreFloatEssentiallyEqual(1.0f, 2.0f, 0.5f));
-    EXPECT_TRUE(AreDoubleApproximatelyEqual(1.0, 2.0, 0.5));
-    EXPECT_FALSE(AreDoubleEssentiallyEqual(1.0, 2.0, 0.5));
-    EXPECT_TRUE(AreFloatEssentiallyEqual(1.0f, 1.5f, 0.5f));
-    EXPECT_FALSE(AreDoubleEssentiallyEqual(1.5, 1.0, 0.4999));
+    EXPECT_TRUE(AreFloatApproximatelyEqual(1.0f, 2.0f, 0.5f) && AreDoubleApproximatelyEqual(1.0, 2.0, 0.5) &&
+                AreFloatEssentiallyEqual(1.0f, 1.5f, 0.5f));
+    EXPECT_FALSE(AreFloatEssentiallyEqual(1.0f, 2.0f, 0.5f) || AreDoubleEssentiallyEqual(1.0, 2.0, 0.5) ||
+                 AreDoubleEssentiallyEqual(1.5, 1.0, 0.4999));
     // A zero scale: the float forms multiply by it, the double forms use
-    // epsilon as an absolute tolerance.
-    EXPECT_TRUE(AreFloatApproximatelyEqual(0.0f, 0.0f, 1e-6f));
-    EXPECT_FALSE(AreFloatEssentiallyEqual(0.0f, 1e-9f, 1e-6f));
-    EXPECT_FALSE(AreFloatEssentiallyEqual(1e-9f, 0.0f, 1e30f));
-    EXPECT_TRUE(AreDoubleEssentiallyEqual(0.0, 1e-9, 1e-6));
-    EXPECT_TRUE(AreDoubleEssentiallyEqual(-1e-6, 0.0, 1e-6));
-    EXPECT_FALSE(AreDoubleEssentiallyEqual(0.0, 1e-5, 1e-6));
-    EXPECT_FALSE(AreDoubleApproximatelyEqual(0.0, 1e-9, 1e-6));  // the larger is 1e-9
-    // a == b first: only the double forms call equal infinities equal.
-    EXPECT_TRUE(AreDoubleApproximatelyEqual(kInf, kInf, 1e-6));
-    EXPECT_TRUE(AreDoubleEssentiallyEqual(-kInf, -kInf, 1e-6));
-    EXPECT_FALSE(AreFloatApproximatelyEqual(kInfF, kInfF, 1e-6f));
-    EXPECT_FALSE(AreFloatEssentiallyEqual(kInfF, kInfF, 1e-6f));
-}
-
-TEST(FloatCompare, NaNIsNeverEqualOrOrdered)
-{
-    EXPECT_FALSE(AreDoubleApproximatelyEqual(kNaN, kNaN, 1.0));
-    EXPECT_FALSE(AreDoubleEssentiallyEqual(kNaN, 0.0, 1.0));
-    EXPECT_FALSE(AreDoubleEssentiallyEqual(0.0, kNaN, 1.0));
-    EXPECT_FALSE(AreFloatApproximatelyEqual(kNaNF, 1.0f, 1.0f));
-    EXPECT_FALSE(AreFloatEssentiallyEqual(0.0f, kNaNF, 1.0f));
-    EXPECT_FALSE(IsDoubleDefinitelyGreaterThan(kNaN, 0.0, 0.0));
-    EXPECT_FALSE(IsDoubleDefinitelyLessThan(0.0, kNaN, 0.0));
-    EXPECT_FALSE(IsFloatDefinitelyGreaterThan(kNaNF, 0.0f, 0.0f));
-    EXPECT_FALSE(IsDoubleDefinitelyGreaterThan(kInf, kInf, 1e-6));
-}
-
-TEST(FloatCompare, DefinitelyIsStrictAndScalesByTheLargerMagnitude)
-{
-    EXPECT_FALSE(IsFloatDefinitelyGreaterThan(1.0f, 1.0f, 1e-6f));
-    EXPECT_FALSE(IsFloatDefinitelyLessThan(1.0f, 1.0f, 1e-6f));
-    EXPECT_FALSE(IsDoubleDefinitelyGreaterThan(2.0, 1.0, 0.5));  // 1 is not above 0.5 * 2
-    EXPECT_FALSE(IsFloatDefinitelyLessThan(1.0f, 2.0f, 0.5f));
-    EXPECT_TRUE(IsDoubleDefinitelyGreaterThan(2.5, 1.0, 0.5));
-    EXPECT_TRUE(IsFloatDefinitelyGreaterThan(2.5f, 1.0f, 0.5f));
-    EXPECT_TRUE(IsDoubleDefinitelyLessThan(1.0, 2.5, 0.5));
-    EXPECT_TRUE(IsFloatDefinitelyLessThan(-2.5f, -1.0f, 0.5f));
-    EXPECT_FALSE(IsDoubleDefinitelyLessThan(2.5, 1.0, 0.5));
-}
-
-TEST(FloatRange, ExclusiveAndTheThreeInclusiveCases)
-{
-    EXPECT_FALSE(IsFloatInRangeExclusive(0.0f, 0.0f, 1.0f, 1e-6f));
-    EXPECT_FALSE(IsFloatInRangeExclusive(0.0f, 1.0f, 1.0f, 1e-6f));
-    EXPECT_TRUE(IsFloatInRangeExclusive(0.0f, 0.5f, 1.0f, 1e-6f));
-    EXPECT_FALSE(IsDoubleInRangeExclusive(1.0, 1.0 + 1e-9, 2.0, 1e-6));
-    EXPECT_TRUE(IsDoubleInRangeExclusive(1.0, 1.5, 2.0, 1e-6));
-
+    // epsilon as an absolute tolerance; the larger of 0 and 1e-9 is 1e-9.
+    EXPECT_TRUE(AreFloatApproximatelyEqual(0.0f, 0.0f, 1e-6f) && AreDoubleEssentiallyEqual(0.0, 1e-9, 1e-6) &&
+                AreDoubleEssentiallyEqual(-1e-6, 0.0, 1e-6));
+    EXPECT_FALSE(AreFloatEssentiallyEqual(0.0f, 1e-9f, 1e-6f) || AreFloatEssentiallyEqual(1e-9f, 0.0f, 1e30f) ||
+                 AreDoubleEssentiallyEqual(0.0, 1e-5, 1e-6) || AreDoubleApproximatelyEqual(0.0, 1e-9, 1e-6));
+    // a == b first: only the double forms call equal infinities equal. NaN is never equal or ordered.
+    EXPECT_TRUE(AreDoubleApproximatelyEqual(kInf, kInf, 1e-6) && AreDoubleEssentiallyEqual(-kInf, -kInf, 1e-6));
+    EXPECT_FALSE(AreFloatApproximatelyEqual(kInfF, kInfF, 1e-6f) || AreFloatEssentiallyEqual(kInfF, kInfF, 1e-6f));
+    EXPECT_FALSE(AreDoubleApproximatelyEqual(kNaN, kNaN, 1.0) || AreDoubleEssentiallyEqual(kNaN, 0.0, 1.0) ||
+                 AreDoubleEssentiallyEqual(0.0, kNaN, 1.0) || AreFloatApproximatelyEqual(kNaNF, 1.0f, 1.0f) ||
+                 AreFloatEssentiallyEqual(0.0f, kNaNF, 1.0f) || IsDoubleDefinitelyGreaterThan(kNaN, 0.0, 0.0) ||
+                 IsDoubleDefinitelyLessThan(0.0, kNaN, 0.0) || IsFloatDefinitelyGreaterThan(kNaNF, 0.0f, 0.0f) ||
+                 IsDoubleDefinitelyGreaterThan(kInf, kInf, 1e-6));
+    // Definitely is strict and scales by the larger magnitude: 1 is not above 0.5 * 2.
+    EXPECT_FALSE(IsFloatDefinitelyGreaterThan(1.0f, 1.0f, 1e-6f) || IsFloatDefinitelyLessThan(1.0f, 1.0f, 1e-6f) ||
+                 IsDoubleDefinitelyGreaterThan(2.0, 1.0, 0.5) || IsFloatDefinitelyLessThan(1.0f, 2.0f, 0.5f) ||
+                 IsDoubleDefinitelyLessThan(2.5, 1.0, 0.5));
+    EXPECT_TRUE(IsDoubleDefinitelyGreaterThan(2.5, 1.0, 0.5) && IsFloatDefinitelyGreaterThan(2.5f, 1.0f, 0.5f) &&
+                IsDoubleDefinitelyLessThan(1.0, 2.5, 0.5) && IsFloatDefinitelyLessThan(-2.5f, -1.0f, 0.5f));
+    EXPECT_TRUE(IsFloatInRangeExclusive(0.0f, 0.5f, 1.0f, 1e-6f) && IsDoubleInRangeExclusive(1.0, 1.5, 2.0, 1e-6));
+    EXPECT_FALSE(IsFloatInRangeExclusive(0.0f, 0.0f, 1.0f, 1e-6f) || IsFloatInRangeExclusive(0.0f, 1.0f, 1.0f, 1e-6f) ||
+                 IsDoubleInRangeExclusive(1.0, 1.0 + 1e-9, 2.0, 1e-6));
+    // At the low end, at the high end, inside; at both ends is in no case.
     double const e = 1e-9;
-    EXPECT_TRUE(IsDoubleInRangeInclusive(1.0, 1.0, 2.0, e));   // at the low end
-    EXPECT_TRUE(IsDoubleInRangeInclusive(0.0, 1.0, 1.0, e));   // at the high end
-    EXPECT_TRUE(IsDoubleInRangeInclusive(0.0, 0.5, 1.0, e));   // inside
-    EXPECT_FALSE(IsDoubleInRangeInclusive(1.0, 1.0, 1.0, e));  // at both ends: in no case
-    EXPECT_FALSE(IsDoubleInRangeInclusive(0.0, 2.0, 1.0, e));
-    EXPECT_FALSE(IsDoubleInRangeInclusive(2.0, 2.0, 1.0, e));
-    EXPECT_TRUE(IsFloatInRangeInclusive(1.0f, 1.0f, 2.0f, 1e-6f));
-    EXPECT_TRUE(IsFloatInRangeInclusive(0.0f, 1.0f, 1.0f, 1e-6f));
-    EXPECT_FALSE(IsFloatInRangeInclusive(1.0f, 1.0f, 1.0f, 1e-6f));
+    EXPECT_TRUE(IsDoubleInRangeInclusive(1.0, 1.0, 2.0, e) && IsDoubleInRangeInclusive(0.0, 1.0, 1.0, e) &&
+                IsDoubleInRangeInclusive(0.0, 0.5, 1.0, e) && IsFloatInRangeInclusive(1.0f, 1.0f, 2.0f, 1e-6f) &&
+                IsFloatInRangeInclusive(0.0f, 1.0f, 1.0f, 1e-6f));
+    EXPECT_FALSE(IsDoubleInRangeInclusive(1.0, 1.0, 1.0, e) || IsDoubleInRangeInclusive(0.0, 2.0, 1.0, e) ||
+                 IsDoubleInRangeInclusive(2.0, 2.0, 1.0, e) || IsFloatInRangeInclusive(1.0f, 1.0f, 1.0f, 1e-6f));
     // Each family's own equality: 0 is within 1e-6 of 1e-9 only for double.
-    EXPECT_TRUE(IsDoubleInRangeInclusive(1e-9, 0.0, 1.0, 1e-6));
-    EXPECT_FALSE(IsFloatInRangeInclusive(1e-9f, 0.0f, 1.0f, 1e-6f));
-    EXPECT_TRUE(IsDoubleInRangeInclusive(-1.0, 1e-9, 0.0, 1e-6));
-    EXPECT_FALSE(IsFloatInRangeInclusive(-1.0f, 1e-9f, 0.0f, 1e-6f));
+    EXPECT_TRUE(IsDoubleInRangeInclusive(1e-9, 0.0, 1.0, 1e-6) && IsDoubleInRangeInclusive(-1.0, 1e-9, 0.0, 1e-6));
+    EXPECT_FALSE(IsFloatInRangeInclusive(1e-9f, 0.0f, 1.0f, 1e-6f) ||
+                 IsFloatInRangeInclusive(-1.0f, 1e-9f, 0.0f, 1e-6f));
+}
+
+// The sign, exponent and mantissa fields of `bits` read as a value of type
+// Value (with an Exponent-sized exponent).
+template <class Value, class Exponent, class Bits>
+std::tuple<bool, Exponent, Bits> Split(Bits bits, void (*split)(Value const&, bool&, Exponent&, Bits&))
+{
+    Value value = 0;
+    std::memcpy(&value, &bits, sizeof value);
+    std::tuple<bool, Exponent, Bits> fields{false, Exponent(0), ~Bits(0)};
+    split(value, std::get<0>(fields), std::get<1>(fields), std::get<2>(fields));
+    return fields;
 }
 
 TEST(FieldSplit, FieldsAreTheRawStoredBits)
 {
-    struct FloatCase {
-        unsigned int bits;
-        bool sign;
-        unsigned char exponent;
-        unsigned int mantissa;
-    };
-    FloatCase const floats[] = {{0xBF800000u, true, 127, 0},       {0x3FC00000u, false, 127, 0x400000u},
-                                {0xFFC12345u, true, 255, 0x412345u}, {0x00000001u, false, 0, 1},
-                                {0x80000000u, true, 0, 0}};
-    for (FloatCase const& c : floats) {
-        float value = 0;
-        std::memcpy(&value, &c.bits, sizeof value);
-        bool sign = !c.sign;
-        unsigned char exponent = 0;
-        unsigned int mantissa = ~0u;
-        GetZKFloatFormat(value, sign, exponent, mantissa);
-        EXPECT_EQ(sign, c.sign) << std::hex << c.bits;
-        EXPECT_EQ(exponent, c.exponent) << std::hex << c.bits;
-        EXPECT_EQ(mantissa, c.mantissa) << std::hex << c.bits;
-    }
-
-    struct DoubleCase {
-        unsigned long long bits;
-        bool sign;
-        unsigned short exponent;
-        unsigned long long mantissa;
-    };
-    DoubleCase const doubles[] = {{0x3FF0000000000000ull, false, 1023, 0},
-                                  {0xC008000000000000ull, true, 1024, 0x8000000000000ull},
-                                  {0xFFF0000000000000ull, true, 2047, 0},
-                                  {0x7FF80000DEADBEEFull, false, 2047, 0x80000DEADBEEFull}};
-    for (DoubleCase const& c : doubles) {
-        double value = 0;
-        std::memcpy(&value, &c.bits, sizeof value);
-        bool sign = !c.sign;
-        unsigned short exponent = 0;
-        unsigned long long mantissa = ~0ull;
-        GetZKDoubleFormat(value, sign, exponent, mantissa);
-        EXPECT_EQ(sign, c.sign) << std::hex << c.bits;
-        EXPECT_EQ(exponent, c.exponent) << std::hex << c.bits;
-        EXPECT_EQ(mantissa, c.mantissa) << std::hex << c.bits;
-    }
+    using F = std::tuple<bool, unsigned char, unsigned int>;
+    EXPECT_EQ(Split(0xBF800000u, &GetZKFloatFormat), F(true, 127, 0));
+    EXPECT_EQ(Split(0x3FC00000u, &GetZKFloatFormat), F(false, 127, 0x400000u));
+    EXPECT_EQ(Split(0xFFC12345u, &GetZKFloatFormat), F(true, 255, 0x412345u));
+    EXPECT_EQ(Split(0x00000001u, &GetZKFloatFormat), F(false, 0, 1));
+    EXPECT_EQ(Split(0x80000000u, &GetZKFloatFormat), F(true, 0, 0));
+    using D = std::tuple<bool, unsigned short, unsigned long long>;
+    EXPECT_EQ(Split(0x3FF0000000000000ull, &GetZKDoubleFormat), D(false, 1023, 0));
+    EXPECT_EQ(Split(0xC008000000000000ull, &GetZKDoubleFormat), D(true, 1024, 0x8000000000000ull));
+    EXPECT_EQ(Split(0xFFF0000000000000ull, &GetZKDoubleFormat), D(true, 2047, 0));
+    EXPECT_EQ(Split(0x7FF80000DEADBEEFull, &GetZKDoubleFormat), D(false, 2047, 0x80000DEADBEEFull));
 }
 
-TEST(Interpolate, WeighsBothEndsWithoutClampingT)
+TEST(Units, InterpolationWithoutClampingByteCountsAnglesAndLengths)
 {
     EXPECT_EQ(LinearInterpolate(2.0, 4.0, 0.5), 3.0);
     EXPECT_EQ(LinearInterpolate(2.0, 4.0, 2.0), 6.0);
@@ -145,10 +94,6 @@ TEST(Interpolate, WeighsBothEndsWithoutClampingT)
     // (1 - t) * a + t * b gives b exactly at t = 1; a + t * (b - a) would not.
     EXPECT_EQ(LinearInterpolate(1e16, 1.0, 1.0), 1.0);
     EXPECT_EQ(LinearInterpolate(1e8f, 1.0f, 1.0f), 1.0f);
-}
-
-TEST(Units, ByteCounts)
-{
     EXPECT_EQ(ConvertBytesToKB(1023), 0u);
     EXPECT_EQ(ConvertBytesToKB(1024), 1u);
     EXPECT_EQ(ConvertBytesToMB((5ull << 20) - 1), 4u);
@@ -160,47 +105,35 @@ TEST(Units, ByteCounts)
     EXPECT_EQ(ConvertBytesToFloatKB(16777217), 16384.0f);  // 16777216 as a float
     EXPECT_EQ(ConvertBytesToFloatMB(3ull << 19), 1.5f);
     EXPECT_EQ(ConvertBytesToFloatGB(1ull << 29), 0.5f);
-}
-
-TEST(Units, AnglesAndLengthsMultiplyOrDivideAsTabled)
-{
-    // Inputs where dividing and multiplying by the reciprocal differ.
-    struct Case {
-        double (*convert)(double);
-        double input;
-        double expected;
-    };
-    Case const cases[] = {
-        {DegreesToRadians, 180.0, 3.141592653589793},  {RadiansToDegrees, -1.0, -57.29577951308232},
-        {ConvertMetersToFeet, 2.5, 8.2021},            {ConvertFeetToMeters, 2.5, 0.762},
-        {ConvertMetersToDecimeters, 2.5, 25.0},        {ConvertDecimetersToMeters, 3.0, 0.3},
-        {ConvertMetersToCentimeters, 2.5, 250.0},      {ConvertCentimetersToMetersD, 35.0, 0.35},
-        {ConvertMetersToMillimeters, 2.5, 2500.0},     {ConvertMillimetersToMetersD, 9.0, 0.009},
-        {ConvertMetersToMicrometers, 2.5, 2500000.0},  {ConvertMicrometersToMetersD, 5.0, 5e-06},
-        {ConvertMetersToNanometers, 2.5, 2500000000.0}, {ConvertNanometersToMetersD, 3.0, 3e-09},
-        {ConvertFeetToInches, 2.5, 30.0},              {ConvertInchesToFeetD, 5.0, 0.4166666666666667},
-        {ConvertFeetToMiles, 13200.0, 2.5},            {ConvertMilesToFeet, 2.5, 13200.0},
-        // The yard pair runs backwards: feet to yards multiplies by 3.
-        {ConvertFeetToYards, 1.0, 3.0},                {ConvertYardsToFeet, 5.0, 1.6666666666666667},
-    };
-    for (Case const& c : cases) EXPECT_EQ(c.convert(c.input), c.expected) << c.input << " -> " << c.expected;
-
-    struct CountCase {
-        double (*convert)(unsigned long long);
-        unsigned long long input;
-        double expected;
-    };
-    CountCase const counts[] = {
-        {ConvertCentimetersToMetersUI, 35, 0.35},
-        {ConvertMillimetersToMetersUI, 9, 0.009},
-        {ConvertMicrometersToMetersUI, 5, 5e-06},
-        {ConvertNanometersToMetersUI, 3, 3e-09},
-        {ConvertInchesToFeetUI, 5, 0.4166666666666667},
-        // Converted as unsigned: the largest count is not read as -1.
-        {ConvertNanometersToMetersUI, ~0ull, 18446744073.709553},
-    };
-    for (CountCase const& c : counts) EXPECT_EQ(c.convert(c.input), c.expected) << c.input;
-
+    // Inputs where dividing and multiplying by the reciprocal differ. The
+    // yard pair runs backwards: feet to yards multiplies by 3.
+    EXPECT_EQ(DegreesToRadians(180.0), 3.141592653589793);
+    EXPECT_EQ(RadiansToDegrees(-1.0), -57.29577951308232);
+    EXPECT_EQ(ConvertMetersToFeet(2.5), 8.2021);
+    EXPECT_EQ(ConvertFeetToMeters(2.5), 0.762);
+    EXPECT_EQ(ConvertMetersToDecimeters(2.5), 25.0);
+    EXPECT_EQ(ConvertDecimetersToMeters(3.0), 0.3);
+    EXPECT_EQ(ConvertMetersToCentimeters(2.5), 250.0);
+    EXPECT_EQ(ConvertCentimetersToMetersD(35.0), 0.35);
+    EXPECT_EQ(ConvertMetersToMillimeters(2.5), 2500.0);
+    EXPECT_EQ(ConvertMillimetersToMetersD(9.0), 0.009);
+    EXPECT_EQ(ConvertMetersToMicrometers(2.5), 2500000.0);
+    EXPECT_EQ(ConvertMicrometersToMetersD(5.0), 5e-06);
+    EXPECT_EQ(ConvertMetersToNanometers(2.5), 2500000000.0);
+    EXPECT_EQ(ConvertNanometersToMetersD(3.0), 3e-09);
+    EXPECT_EQ(ConvertFeetToInches(2.5), 30.0);
+    EXPECT_EQ(ConvertInchesToFeetD(5.0), 0.4166666666666667);
+    EXPECT_EQ(ConvertFeetToMiles(13200.0), 2.5);
+    EXPECT_EQ(ConvertMilesToFeet(2.5), 13200.0);
+    EXPECT_EQ(ConvertFeetToYards(1.0), 3.0);
+    EXPECT_EQ(ConvertYardsToFeet(5.0), 1.6666666666666667);
+    // Counts are converted as unsigned: the largest is not read as -1.
+    EXPECT_EQ(ConvertCentimetersToMetersUI(35), 0.35);
+    EXPECT_EQ(ConvertMillimetersToMetersUI(9), 0.009);
+    EXPECT_EQ(ConvertMicrometersToMetersUI(5), 5e-06);
+    EXPECT_EQ(ConvertNanometersToMetersUI(3), 3e-09);
+    EXPECT_EQ(ConvertInchesToFeetUI(5), 0.4166666666666667);
+    EXPECT_EQ(ConvertNanometersToMetersUI(~0ull), 18446744073.709553);
     // The two meter-foot factors are rounded independently.
     EXPECT_EQ(ConvertMetersToFeet(ConvertFeetToMeters(1.0)), 1.000000032);
 }

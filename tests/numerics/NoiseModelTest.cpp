@@ -1,10 +1,11 @@
-// The noise functions on engines with known seeds, and the octave sum
-// against a plain model that builds every octave grid and adds them as
-// weighted layers.
+// The noise functions on engines with known seeds, the octave sum against a
+// plain model that builds every octave grid and adds them as weighted layers,
+// and grids built at their final capacities against grids grown by pushes.
 
 #include <gtest/gtest.h>
 
 #include <zk64/numerics/ZKNoise.h>
+#include <zk64/numerics/detail/GridAccess.h>
 #include <zk64/numerics/detail/Noise.h>
 
 #include <cmath>
@@ -66,31 +67,62 @@ TEST(OctaveSum, MatchesTheLayeredModelBitForBit)
         unsigned long long rows, columns;
         int octaves;
     };
-    Case const cases[] = {{5, 7, 1}, {5, 7, 3}, {8, 8, 4}, {13, 9, 6}, {1, 1, 2}, {3, 1, 5}, {1, 6, 7}, {6, 5, 34}};
+    // One octave is the base itself; no octave divides zero by zero.
+    Case const cases[] = {{5, 7, 1}, {5, 7, 3}, {8, 8, 4},  {13, 9, 6}, {1, 1, 2},
+                          {3, 1, 5}, {1, 6, 7}, {6, 5, 34}, {2, 3, 0}};
     std::mt19937 engine(20240607u);
     for (Case const& c : cases) {
         NoiseGrid const base = zk64::detail::CreateNoise(engine, c.rows, c.columns, -3.0, 5.0);
         auto const expected = ModelPerlin(base, c.rows, c.columns, c.octaves);
         auto const actual = ToRows(zk64::detail::SumOctaves(Flatten(base), c.rows, c.columns, c.octaves));
-        EXPECT_EQ(actual, expected) << c.rows << " x " << c.columns << ", " << c.octaves << " octaves";
+        if (c.octaves == 0)
+            EXPECT_TRUE(std::isnan(actual[1][2]) && std::isnan(expected[1][2]));
+        else
+            EXPECT_EQ(actual, expected) << c.rows << " x " << c.columns << ", " << c.octaves << " octaves";
     }
 }
 
-TEST(OctaveSum, OneOctaveIsTheBaseItself)
+using Row = ZKContainer<int>;
+using Grid = ZKContainer<Row>;
+
+// Everything a caller can observe: counts, capacities, every storage slot
+// (logical indexes 0 .. capacity - 1 cover them all), and the slots that the
+// next pushes at both ends write.
+void ExpectSameState(Row a, Row b)
 {
-    std::mt19937 engine(7u);
-    NoiseGrid const base = zk64::detail::CreateNoise(engine, 4, 6, 0.0, 1.0);
-    EXPECT_EQ(ToRows(zk64::detail::SumOctaves(Flatten(base), 4, 6, 1)), ToRows(base));
+    ASSERT_TRUE(a.GetItemCount() == b.GetItemCount() && a.GetMaxItemCount() == b.GetMaxItemCount());
+    for (unsigned long long i = 0; i < a.GetMaxItemCount(); ++i) ASSERT_EQ(a.GetItem(i), b.GetItem(i)) << i;
+    EXPECT_TRUE(a.PushBack(-1) == b.PushBack(-1) && a.PushFront(-2) == b.PushFront(-2));
 }
 
-TEST(OctaveSum, NoOctavesDivideZeroByZero)
+TEST(GridBuild, CapacitiesDoubleFrom512AndGridsMatchGrownOnes)
 {
-    std::vector<double> const base(6, 0.5);
-    auto const rows = ToRows(zk64::detail::SumOctaves(base, 2, 3, 0));
-    ASSERT_EQ(rows.size(), 2u);
-    for (auto const& row : rows) {
-        ASSERT_EQ(row.size(), 3u);
-        for (double cell : row) EXPECT_TRUE(std::isnan(cell));
+    for (auto [count, capacity] :
+         {std::pair{0ull, 512ull}, {512ull, 512ull}, {513ull, 1024ull}, {5000ull, 8192ull}, {~0ull, 1ull << 63}})
+        EXPECT_EQ(zk64::detail::GrownCapacity(count), capacity) << count;
+    Row const blank;
+    for (unsigned long long size : {0ull, 1ull, 511ull, 512ull, 513ull, 1023ull, 1024ull, 1025ull, 3000ull}) {
+        SCOPED_TRACE(size);
+        Grid pushed, built = zk64::detail::NewGrid<int>(1);
+        pushed.EmplaceBack();
+        Row& row = zk64::detail::AppendRow(built, blank, size);
+        for (unsigned long long j = 0; j < size; ++j) pushed.GetItem(0).PushBack(static_cast<int>(j) + 1);
+        for (unsigned long long j = 0; j < size; ++j) row.PushBack(static_cast<int>(j) + 1);
+        zk64::detail::FinishGrown(row);
+        ExpectSameState(pushed.GetItem(0), built.GetItem(0));
+
+        Grid tallPushed, tall = zk64::detail::NewGrid<int>(size);
+        for (unsigned long long i = 0; i < size; ++i) {
+            tallPushed.EmplaceBack();
+            tallPushed.GetItem(i).PushBack(static_cast<int>(i));
+            zk64::detail::AppendRow(tall, blank, 1).PushBack(static_cast<int>(i));
+        }
+        zk64::detail::FinishGrown(tall);
+        ASSERT_TRUE(tallPushed.GetItemCount() == tall.GetItemCount() &&
+                    tallPushed.GetMaxItemCount() == tall.GetMaxItemCount());
+        for (unsigned long long i = 0; i < tall.GetMaxItemCount(); ++i)
+            ExpectSameState(tallPushed.GetItem(i), tall.GetItem(i));
+        EXPECT_EQ(tallPushed.EmplaceBack(), tall.EmplaceBack());
     }
 }
 

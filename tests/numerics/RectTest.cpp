@@ -10,7 +10,8 @@
 namespace {
 
 template <class T>
-class RectCommon : public ::testing::Test {};
+class RectCommon : public ::testing::Test {
+};
 
 using RectTypes = ::testing::Types<double, float, int, long long, unsigned int, unsigned long long>;
 TYPED_TEST_SUITE(RectCommon, RectTypes);
@@ -18,60 +19,37 @@ TYPED_TEST_SUITE(RectCommon, RectTypes);
 TYPED_TEST(RectCommon, ConstructionEqualityAndClear)
 {
     using R = __ZKRect<TypeParam>;
-    R const corner(3, 4);  // the corner, not the size
-    EXPECT_EQ(corner.x, TypeParam(3));
-    EXPECT_EQ(corner.y, TypeParam(4));
-    EXPECT_TRUE(corner == R(3, 4, 0, 0));
     R full(1, 2, 3, 4);
-    EXPECT_FALSE(full == R(1, 2, 3, 5));
-    EXPECT_FALSE(full == R(9, 2, 3, 4));
+    EXPECT_TRUE(R(3, 4) == R(3, 4, 0, 0) && R(3, 4).x == TypeParam(3)) << "the corner, not the size";
+    EXPECT_FALSE(full == R(1, 2, 3, 5) || full == R(9, 2, 3, 4));
     full.Clear();
-    EXPECT_TRUE(full == R());
-    EXPECT_EQ(R().height, TypeParam(0));
+    EXPECT_TRUE(full == R(0, 0, 0, 0) && R() == R(0, 0, 0, 0));
 }
 
 TYPED_TEST(RectCommon, InBoundsIncludesTheEdgesAndOverlapOnlyTheLowEdge)
 {
     using R = __ZKRect<TypeParam>;
     R const a(0, 0, 10, 10);
-    EXPECT_TRUE(a.IsCoordRectInBounds(a));
-    EXPECT_TRUE(a.IsCoordRectInBounds(R(10, 0, 0, 0)));  // width 0 at the right edge
-    EXPECT_TRUE(a.IsCoordRectInBounds(R(2, 3, 8, 7)));
-    EXPECT_FALSE(a.IsCoordRectInBounds(R(2, 3, 9, 7)));
-    EXPECT_FALSE(a.IsCoordRectInBounds(R(2, 3, 8, 8)));
-    EXPECT_FALSE(R(1, 1, 10, 10).IsCoordRectInBounds(R(0, 5, 1, 1)));
-    EXPECT_FALSE(R(1, 1, 10, 10).IsCoordRectInBounds(R(5, 0, 1, 1)));
-
-    EXPECT_FALSE(a.IsCoordRectOverLap(R(10, 0, 5, 5)));  // at a's high x edge
-    EXPECT_TRUE(R(10, 0, 5, 5).IsCoordRectOverLap(a));   // a at its low x edge
-    EXPECT_FALSE(a.IsCoordRectOverLap(R(0, 10, 5, 5)));
-    EXPECT_TRUE(R(0, 10, 5, 5).IsCoordRectOverLap(a));
-    EXPECT_FALSE(a.IsCoordRectOverLap(R(5, 11, 2, 2)));  // both axes must pass
-    EXPECT_FALSE(R(20, 20, 5, 5).IsCoordRectOverLap(a));
-    EXPECT_TRUE(a.IsCoordRectOverLap(R(5, 5, 20, 20)));
+    R const in1(1, 1, 10, 10);  // width 0 at the right edge is in
+    EXPECT_TRUE(a.IsCoordRectInBounds(a) && a.IsCoordRectInBounds(R(10, 0, 0, 0)) &&
+                a.IsCoordRectInBounds(R(2, 3, 8, 7)));
+    EXPECT_FALSE(a.IsCoordRectInBounds(R(2, 3, 9, 7)) || a.IsCoordRectInBounds(R(2, 3, 8, 8)) ||
+                 in1.IsCoordRectInBounds(R(0, 5, 1, 1)) || in1.IsCoordRectInBounds(R(5, 0, 1, 1)));
+    // a's high edges are out, its low edges in; both axes must pass.
+    EXPECT_TRUE(R(10, 0, 5, 5).IsCoordRectOverLap(a) && R(0, 10, 5, 5).IsCoordRectOverLap(a) &&
+                a.IsCoordRectOverLap(R(5, 5, 20, 20)));
+    EXPECT_FALSE(a.IsCoordRectOverLap(R(10, 0, 5, 5)) || a.IsCoordRectOverLap(R(0, 10, 5, 5)) ||
+                 a.IsCoordRectOverLap(R(5, 11, 2, 2)) || R(20, 20, 5, 5).IsCoordRectOverLap(a));
 }
 
 TYPED_TEST(RectCommon, SlopeAndDistanceUseTheCornersOnly)
 {
     using R = __ZKRect<TypeParam>;
     R a(1, 2, 7, 8);
-    EXPECT_TRUE(R::CalculateSlope(a, R(4, 6, 9, 9)) == R(3, 4, 0, 0));
-    EXPECT_TRUE(a.CalculateSlope(R(4, 6)) == R(3, 4, 0, 0));
+    EXPECT_TRUE(R::CalculateSlope(a, R(4, 6, 9, 9)) == R(3, 4, 0, 0) && a.CalculateSlope(R(4, 6)) == R(3, 4, 0, 0));
     R origin(0, 0, 100, 100);
-    EXPECT_EQ(R::CalculateDistance(origin, R(3, 4, 1, 1)), TypeParam(5));
-    EXPECT_EQ(origin.CalculateDistance(R(3, 4)), TypeParam(5));
-    EXPECT_EQ(origin.CalculateDistance(origin), TypeParam(0));
-}
-
-TYPED_TEST(RectCommon, ContainersHoldRectangles)
-{
-    using R = __ZKRect<TypeParam>;
-    ZKContainer<R> rects(1);
-    rects.PushBack(R(1, 2, 3, 4));
-    rects.PushFront(R(9, 9, 9, 9));
-    EXPECT_EQ(rects.GetMaxItemCount(), 2u);
-    EXPECT_TRUE(rects.GetItem(0) == R(9, 9, 9, 9));
-    EXPECT_TRUE(rects.PopBack() == R(1, 2, 3, 4));
+    EXPECT_TRUE(R::CalculateDistance(origin, R(3, 4, 1, 1)) == TypeParam(5) &&
+                origin.CalculateDistance(R(3, 4)) == TypeParam(5) && origin.CalculateDistance(origin) == TypeParam(0));
 }
 
 template <class T>
@@ -79,11 +57,10 @@ void ExpectCenter(__ZKRect<T> const& rect, T cx, T cy)
 {
     T x = 0, y = 0;
     rect.GetCenterPoint(x, y);
-    EXPECT_EQ(x, cx);
-    EXPECT_EQ(y, cy);
+    EXPECT_TRUE(x == cx && y == cy) << x << ", " << y;
 }
 
-TEST(RectCenter, PerTypeHalving)
+TEST(RectCenter, PerTypeHalvingAndFloatingFieldsCompareByTheirFloatImages)
 {
     ExpectCenter(__ZKRect<int>(0, 0, 5, 7), 2, 3);
     ExpectCenter(__ZKRect<int>(0, 10, -5, -7), -2, 7);  // towards zero, not a shift
@@ -95,26 +72,19 @@ TEST(RectCenter, PerTypeHalving)
     ExpectCenter(__ZKRect<float>(1.0f, -2.0f, 3.0f, -5.0f), 2.5f, -4.5f);
     float const big = std::numeric_limits<float>::max();
     ExpectCenter(__ZKRect<float>(big, 0.0f, big, 0.0f), std::numeric_limits<float>::infinity(), 0.0f);
-}
-
-TEST(RectEquality, FloatingFieldsCompareByTheirFloatImages)
-{
     using D = __ZKRect<double>;
-    EXPECT_TRUE(D(1.0, 2.0, 3.0, 4.0) == D(1.0 + 1e-12, 2.0, 3.0, 4.0 - 1e-13));
-    EXPECT_FALSE(D(1.0, 2.0, 3.0, 4.0) == D(1.0 + 0x1p-20, 2.0, 3.0, 4.0));
-    D const huge(1e300, 0.0, 0.0, 0.0);
-    EXPECT_FALSE(D(huge) == huge);  // infinities, whose difference is NaN
-    EXPECT_TRUE(D(0.0, 0.0, 0.0, 0.0) == D(-0.0, 0.0, 0.0, 0.0));
     using F = __ZKRect<float>;
-    EXPECT_FALSE(F(1.0f, 0, 0, 0) == F(std::nextafter(1.0f, 2.0f), 0, 0, 0));
+    D const huge(1e300, 0.0, 0.0, 0.0);  // infinities as floats, whose difference is NaN
     float const nan = std::numeric_limits<float>::quiet_NaN();
-    EXPECT_FALSE(F(nan, 0, 0, 0) == F(nan, 0, 0, 0));
+    EXPECT_TRUE(D(1.0, 2.0, 3.0, 4.0) == D(1.0 + 1e-12, 2.0, 3.0, 4.0 - 1e-13) && D(0.0, 0, 0, 0) == D(-0.0, 0, 0, 0));
+    EXPECT_FALSE(D(1.0, 2.0, 3.0, 4.0) == D(1.0 + 0x1p-20, 2.0, 3.0, 4.0) || D(huge) == huge ||
+                 F(1.0f, 0, 0, 0) == F(std::nextafter(1.0f, 2.0f), 0, 0, 0) || F(nan, 0, 0, 0) == F(nan, 0, 0, 0));
 }
 
-TEST(RectDistance, IntegerDifferencesWrapAndResultsTruncate)
+TEST(RectDistance, IntegerDifferencesWrapTruncateAndSaturateFloatOnesStayFloat)
 {
-    EXPECT_EQ(__ZKRect<int>(0, 0).CalculateDistance(__ZKRect<int>(1, 1)), 1);
-    EXPECT_EQ(__ZKRect<long long>(0, 0).CalculateDistance(__ZKRect<long long>(-2, -2)), 2);
+    EXPECT_TRUE(__ZKRect<int>(0, 0).CalculateDistance(__ZKRect<int>(1, 1)) == 1 &&
+                __ZKRect<long long>(0, 0).CalculateDistance(__ZKRect<long long>(-2, -2)) == 2);
     // 0 - 5 wraps to 2^32 - 5 before it is squared.
     EXPECT_EQ(__ZKRect<unsigned int>(5, 0).CalculateDistance(__ZKRect<unsigned int>(0, 0)), 4294967291u);
     // 2^63 and above convert back as unsigned values.
@@ -127,22 +97,13 @@ TEST(RectDistance, IntegerDifferencesWrapAndResultsTruncate)
     int const iMax = std::numeric_limits<int>::max();
     EXPECT_EQ(__ZKRect<int>(1, 0).CalculateDistance(__ZKRect<int>(iMin, 0)), iMax);
     EXPECT_EQ(__ZKRect<int>::CalculateSlope(__ZKRect<int>(1, 0), __ZKRect<int>(iMin, 0)).x, iMax);
-}
-
-TEST(RectDistance, DistancesBeyondTheTypeGiveItsLargestValue)
-{
-    int const iMin = std::numeric_limits<int>::min();
+    // Distances beyond the type give its largest value.
     EXPECT_EQ(__ZKRect<int>(0, 0).CalculateDistance(__ZKRect<int>(iMin, iMin)), std::numeric_limits<int>::max());
     long long const lMin = std::numeric_limits<long long>::min();
     EXPECT_EQ(__ZKRect<long long>(0, 0).CalculateDistance(__ZKRect<long long>(lMin, lMin)),
               std::numeric_limits<long long>::max());
     EXPECT_EQ(__ZKRect<unsigned int>(0, 0).CalculateDistance(__ZKRect<unsigned int>(~0u, ~0u)), ~0u);
-    EXPECT_EQ(__ZKRect<unsigned long long>(0, 0).CalculateDistance(__ZKRect<unsigned long long>(~0ull, ~0ull)),
-              ~0ull);
-}
-
-TEST(RectDistance, FloatDifferencesAreFloatTheRestDouble)
-{
+    EXPECT_EQ(__ZKRect<unsigned long long>(0, 0).CalculateDistance(__ZKRect<unsigned long long>(~0ull, ~0ull)), ~0ull);
     // Differences rounded to float give 9.6449461; exact ones 9.64494705.
     EXPECT_EQ(__ZKRect<float>::CalculateDistance(__ZKRect<float>(0.1f, 0.25f), __ZKRect<float>(9.25f, 3.3f)),
               9.6449461f);

@@ -10,7 +10,8 @@
 namespace {
 
 template <class T>
-class VectorCommon : public ::testing::Test {};
+class VectorCommon : public ::testing::Test {
+};
 
 using VectorTypes = ::testing::Types<double, float, int, long long, unsigned int, unsigned long long>;
 TYPED_TEST_SUITE(VectorCommon, VectorTypes);
@@ -23,13 +24,18 @@ void Expect(__ZKVector3<T> const& v, T x, T y, T z)
     EXPECT_EQ(v.z, z);
 }
 
+template <class T>
+__ZKVector3<T> Normalized(__ZKVector3<T> v)
+{
+    v.Normalize();
+    return v;
+}
+
 TYPED_TEST(VectorCommon, ConstructorsAndSetVectorZeroWhatTheyDoNotName)
 {
     using T = TypeParam;
     using V = __ZKVector3<T>;
-    Expect(V(), T(0), T(0), T(0));
-    Expect(V(7), T(7), T(0), T(0));
-    Expect(V(7, 8), T(7), T(8), T(0));
+    EXPECT_TRUE(V() == V(0, 0, 0) && V(7) == V(7, 0, 0) && V(7, 8) == V(7, 8, 0));
     V v(9, 9, 9);
     v.SetVector(1, 2);
     Expect(v, T(1), T(2), T(0));
@@ -44,9 +50,7 @@ TYPED_TEST(VectorCommon, EqualityAndArithmetic)
     using V = __ZKVector3<T>;
     V a(5, 7, 9);
     V const b(1, 2, 3);
-    EXPECT_TRUE(a == V(5, 7, 9));
-    EXPECT_FALSE(a == V(5, 7, 8));
-    EXPECT_FALSE(a == V(4, 7, 9));
+    EXPECT_TRUE(a == V(5, 7, 9) && !(a == V(5, 7, 8)) && !(a == V(4, 7, 9)));
     Expect(a + b, T(6), T(9), T(12));  // member form
     Expect(a - b, T(4), T(5), T(6));
     V const constA(a);
@@ -56,8 +60,7 @@ TYPED_TEST(VectorCommon, EqualityAndArithmetic)
     Expect(a, T(4), T(5), T(6));
     a.Scale(3);
     Expect(a, T(12), T(15), T(18));
-    EXPECT_EQ(V::DotProduct(V(1, 2, 3), V(4, 5, 6)), T(32));
-    EXPECT_EQ(V(1, 2, 3).DotProduct(V(4, 5, 6)), T(32));
+    EXPECT_TRUE(V::DotProduct(V(1, 2, 3), V(4, 5, 6)) == T(32) && V(1, 2, 3).DotProduct(V(4, 5, 6)) == T(32));
 }
 
 TYPED_TEST(VectorCommon, MagnitudeAndNormalizeOfAxisAndZeroVectors)
@@ -65,35 +68,23 @@ TYPED_TEST(VectorCommon, MagnitudeAndNormalizeOfAxisAndZeroVectors)
     using T = TypeParam;
     using V = __ZKVector3<T>;
     EXPECT_EQ(V(3, 4, 0).GetMagnitude(), T(5));
-    V axis(0, 5, 0);
-    axis.Normalize();
-    Expect(axis, T(0), T(1), T(0));
-    V zero;
-    zero.Normalize();  // stays, no NaN
-    Expect(zero, T(0), T(0), T(0));
-    ZKContainer<V> vectors(1);
-    vectors.PushFront(V(1, 2, 3));
-    vectors.PushBack(V(4, 5, 6));
-    EXPECT_TRUE(vectors.PeekBack() == V(4, 5, 6));
+    Expect(Normalized(V(0, 5, 0)), T(0), T(1), T(0));
+    Expect(Normalized(V()), T(0), T(0), T(0));  // stays, no NaN
 }
 
-TEST(VectorMagnitude, PerTypeRounding)
+TEST(VectorMagnitude, PerTypeRoundingAndBeyondTheTypeItsLargestValue)
 {
-    EXPECT_EQ(__ZKVector3<int>(2, 2, 1).GetMagnitude(), 3);
+    EXPECT_TRUE(__ZKVector3<int>(2, 2, 1).GetMagnitude() == 3 &&
+                __ZKVector3<long long>(-3, -3, -3).GetMagnitude() == 5);
     EXPECT_EQ(__ZKVector3<int>(3, 3, 3).GetMagnitude(), 5);  // 5.196 truncated
-    EXPECT_EQ(__ZKVector3<long long>(-3, -3, -3).GetMagnitude(), 5);
     EXPECT_EQ(__ZKVector3<unsigned int>(0xFFFFFFFFu, 0, 0).GetMagnitude(), 0xFFFFFFFFu);
     unsigned long long const big = (1ull << 63) + 4096;  // widened and back as unsigned
     EXPECT_EQ(__ZKVector3<unsigned long long>(0, 0, big).GetMagnitude(), big);
     // Single precision throughout: 1 + y^2 rounds to 1 in float, while a
     // double root would narrow to 1.00000012.
     EXPECT_EQ(__ZKVector3<float>(1.0f, 0.000352275325f, 0.0f).GetMagnitude(), 1.0f);
-    EXPECT_EQ(__ZKVector3<double>(1.0, 2.0, 2.0).GetMagnitude(), 3.0);
-    EXPECT_EQ(__ZKVector3<double>(1.0, 0.0, 1.0).GetMagnitude(), std::sqrt(2.0));
-}
-
-TEST(VectorMagnitude, MagnitudesBeyondTheTypeGiveItsLargestValue)
-{
+    EXPECT_TRUE(__ZKVector3<double>(1.0, 2.0, 2.0).GetMagnitude() == 3.0 &&
+                __ZKVector3<double>(1.0, 0.0, 1.0).GetMagnitude() == std::sqrt(2.0));
     int const iMin = std::numeric_limits<int>::min();
     EXPECT_EQ(__ZKVector3<int>(iMin, iMin, iMin).GetMagnitude(), std::numeric_limits<int>::max());
     long long const lMax = std::numeric_limits<long long>::max();
@@ -102,44 +93,25 @@ TEST(VectorMagnitude, MagnitudesBeyondTheTypeGiveItsLargestValue)
     EXPECT_EQ(__ZKVector3<unsigned long long>(~0ull, 1, 0).GetMagnitude(), ~0ull);
 }
 
-TEST(VectorNormalize, IntegersDivideByTheTruncatedMagnitude)
+TEST(VectorNormalize, IntegersDivideByTheTruncatedMagnitudeFloatsBecomeUnitVectors)
 {
-    __ZKVector3<int> v(3, 4, 0);
-    v.Normalize();
-    Expect(v, 0, 0, 0);
-    __ZKVector3<int> ones(1, 1, 1);  // magnitude 1.73 truncates to 1
-    ones.Normalize();
-    Expect(ones, 1, 1, 1);
-    __ZKVector3<long long> mixed(-7, 3, 0);  // 7.6 -> 7: -7 / 7, 3 / 7
-    mixed.Normalize();
-    Expect(mixed, -1ll, 0ll, 0ll);
-    __ZKVector3<unsigned long long> big(10, 0, 3);
-    big.Normalize();
-    Expect(big, 1ull, 0ull, 0ull);
-}
-
-TEST(VectorNormalize, FloatingVectorsBecomeUnitVectors)
-{
-    __ZKVector3<double> v(3.0, 4.0, 0.0);
-    v.Normalize();
-    Expect(v, 0.6, 0.8, 0.0);
-    __ZKVector3<float> f(0.0f, -2.0f, 0.0f);
-    f.Normalize();
-    Expect(f, 0.0f, -1.0f, 0.0f);
-    __ZKVector3<double> nan(std::nan(""), 1.0, 0.0);
-    nan.Normalize();  // a NaN magnitude is not above 0
-    EXPECT_EQ(nan.y, 1.0);
+    Expect(Normalized(__ZKVector3<int>(3, 4, 0)), 0, 0, 0);
+    Expect(Normalized(__ZKVector3<int>(1, 1, 1)), 1, 1, 1);                // 1.73 truncates to 1
+    Expect(Normalized(__ZKVector3<long long>(-7, 3, 0)), -1ll, 0ll, 0ll);  // 7.6 -> 7: -7 / 7, 3 / 7
+    Expect(Normalized(__ZKVector3<unsigned long long>(10, 0, 3)), 1ull, 0ull, 0ull);
+    Expect(Normalized(__ZKVector3<double>(3.0, 4.0, 0.0)), 0.6, 0.8, 0.0);
+    Expect(Normalized(__ZKVector3<float>(0.0f, -2.0f, 0.0f)), 0.0f, -1.0f, 0.0f);
+    EXPECT_EQ(Normalized(__ZKVector3<double>(std::nan(""), 1.0, 0.0)).y, 1.0) << "a NaN magnitude is not above 0";
 }
 
 TEST(VectorEquality, DoubleComponentsCompareByTheirFloatImages)
 {
     using V = __ZKVector3<double>;
-    EXPECT_TRUE(V(1.0, 2.0, 3.0) == V(1.0 + 1e-12, 2.0, 3.0));
-    EXPECT_FALSE(V(1.0, 2.0, 3.0) == V(1.0, 2.0, 3.0 + 0x1p-20));
-    V const huge(0.0, 1e300, 0.0);
-    EXPECT_FALSE(V(huge) == huge);
     using F = __ZKVector3<float>;
-    EXPECT_FALSE(F(1.0f, 0, 0) == F(std::nextafter(1.0f, 2.0f), 0, 0));
+    V const huge(0.0, 1e300, 0.0);
+    EXPECT_TRUE(V(1.0, 2.0, 3.0) == V(1.0 + 1e-12, 2.0, 3.0));
+    EXPECT_FALSE(V(1.0, 2.0, 3.0) == V(1.0, 2.0, 3.0 + 0x1p-20) || V(huge) == huge ||
+                 F(1.0f, 0, 0) == F(std::nextafter(1.0f, 2.0f), 0, 0));
 }
 
 TEST(VectorWrap, IntegerArithmeticWraps)
@@ -147,8 +119,7 @@ TEST(VectorWrap, IntegerArithmeticWraps)
     int const iMax = std::numeric_limits<int>::max();
     int const iMin = std::numeric_limits<int>::min();
     using V = __ZKVector3<int>;
-    EXPECT_EQ(V::DotProduct(V(iMax, 0, 0), V(2, 0, 0)), -2);
-    EXPECT_EQ(V::DotProduct(V(iMax, 1, 0), V(1, 1, 0)), iMin);
+    EXPECT_TRUE(V::DotProduct(V(iMax, 0, 0), V(2, 0, 0)) == -2 && V::DotProduct(V(iMax, 1, 0), V(1, 1, 0)) == iMin);
     V v(iMax, 0, iMin);
     v += V(1, 0, 0);
     v -= V(0, 0, 1);
@@ -162,15 +133,15 @@ TEST(VectorWrap, IntegerArithmeticWraps)
     EXPECT_EQ(l.x, -2);
 }
 
-TEST(UpdatePositionDouble, AxisHeadingsAreExact)
+TEST(UpdatePositionDouble, AxisHeadingsAreExactDiagonalsNearAxisSnapsAndTime)
 {
     // Position (0, 0, 5), speed 10, one second; the near-zero sine or cosine
     // snaps to 0.
     struct Move {
         double heading, x, y;
     };
-    Move const moves[] = {{0, 0, -10},   {90, 10, 0},  {180, 0, 10},  {270, -10, 0},
-                          {450, 10, 0},  {-90, -10, 0}, {360, 0, -10}, {-180, 0, 10}};
+    Move const moves[] = {{0, 0, -10},  {90, 10, 0},   {180, 0, 10},  {270, -10, 0},
+                          {450, 10, 0}, {-90, -10, 0}, {360, 0, -10}, {-180, 0, 10}};
     for (Move const& move : moves) {
         __ZKVector3<double> position(0.0, 0.0, 5.0);
         __ZKVector3<double> previous(1.0, 2.0, 3.0);
@@ -178,15 +149,10 @@ TEST(UpdatePositionDouble, AxisHeadingsAreExact)
         Expect(position, move.x, move.y, 5.0);
         Expect(previous, 0.0, 0.0, 5.0);
     }
-}
-
-TEST(UpdatePositionDouble, DiagonalsNearAxisSnapsAndTime)
-{
     __ZKVector3<double> position(1.0, 1.0, 0.0);
     __ZKVector3<double> previous;
     UpdateVectorPosition(position, previous, 10.0, 45.0, 1000);
-    EXPECT_DOUBLE_EQ(position.x, 1.0 + 7.0710678118654755);
-    EXPECT_DOUBLE_EQ(position.y, 1.0 - 7.071067811865475);
+    Expect(position, 1.0 + 7.0710678118654755, 1.0 - 7.071067811865475, 0.0);
     Expect(previous, 1.0, 1.0, 0.0);
     UpdateVectorPosition(position, previous, 4.0, 90.0, 250);  // 4 units/s for 0.25 s
     EXPECT_DOUBLE_EQ(position.x, 9.0710678118654755);
@@ -211,8 +177,8 @@ TEST(UpdatePositionFloat, AxisMovesKeepTheirSidewaysRoundingTerm)
     };
     // The main term is exact; the cosine or sine of the narrowed angle is not
     // snapped and leaves a small sideways term.
-    Move const moves[] = {{0.0f, -4.37113897e-07f, -10.0f}, {180.0f, 1.1924881e-07f, 10.0f},
-                          {270.0f, -10.0f, 8.74227794e-07f}};
+    Move const moves[] = {
+        {0.0f, -4.37113897e-07f, -10.0f}, {180.0f, 1.1924881e-07f, 10.0f}, {270.0f, -10.0f, 8.74227794e-07f}};
     for (Move const& move : moves) {
         __ZKVector3<float> position(0.0f, 0.0f, 5.0f);
         __ZKVector3<float> previous;
