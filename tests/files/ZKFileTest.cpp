@@ -69,9 +69,9 @@ TEST(ZKFile, OpenAndCreateOrOpenPerType)
         // CreateOrOpen makes the file, keeps what it holds unless the type empties it.
         ZKFile made;
         std::string const kept = dir.Write("kept" + std::to_string(type), "kept");
-        ASSERT_TRUE(made.CreateOrOpenFile(dir.Path("made" + std::to_string(type)).c_str(), FILE_STREAM_TYPES(type)));
+        ASSERT_TRUE(made.CreateOrOpenFile(ZKString(dir.Path("made" + std::to_string(type)).c_str()), FILE_STREAM_TYPES(type)));
         EXPECT_EQ(made.GetFileLengthBytes(), 0u);
-        EXPECT_FALSE(made.CreateOrOpenFile(kept.c_str(), FILE_STREAM_TYPES(type))) << "refused while open";
+        EXPECT_FALSE(made.CreateOrOpenFile(ZKString(kept.c_str()), FILE_STREAM_TYPES(type))) << "refused while open";
         made.CloseFile();
         ASSERT_TRUE(made.CreateOrOpenFile(kept.c_str(), FILE_STREAM_TYPES(type)));
         made.CloseFile();

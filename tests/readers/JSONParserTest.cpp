@@ -119,7 +119,8 @@ TEST(JSONParser, PredicateTablesAndHelpers)
     for (Helper helper : {Member(JsonNextSym{}), Member(JsonParseJson{}), Member(JsonConsumeWhiteSpace{}), Member(JsonElement{})})
         (parser.*helper)();
     EXPECT_EQ(State(parser), "t|3|7");
-    EXPECT_EQ(ZKJSONParser().*Member(JsonSymbol{}), ZK_JSON_SYMBOL_NONE) << "the constructors keep the helpers returning";
+    ZKJSONParser fresh;
+    EXPECT_EQ(State(fresh), "|0|0") << "the symbol keeps the helpers returning";
 
     // With the symbol 24 both helpers spin until the symbol changes (read
     // through an atomic reference, as the helpers read it).

@@ -151,7 +151,8 @@ TEST(PEParser, SignaturesAndMachinesInTheirSearchOrder)
     for (Case const& c : {Case{0x1C4, ZK_MACHINE_ARM, "ARM little endian"}, Case{0x1F1, ZK_MACHINE_ARM, "ARM little endian"},
                           Case{0x266, ZK_MACHINE_IA64, "Intel Itanium processor family"}, Case{0x1A6, ZK_MACHINE_SH3, "Hitachi SH3"},
                           Case{0xAA64, ZK_MACHINE_ARM64, "ARM64 little endian"}, Case{0xFFFF, ZK_MACHINE_AM33, "Matsushita AM33"},
-                          Case{0x5128, ZK_MACHINE_RISCV128, "RISC-V 128-bit address space"}, Case{0x0001, ZK_MACHINE_UNKNOWN, ""}}) {
+                          Case{0x5128, ZK_MACHINE_RISCV128, "RISC-V 128-bit address space"},
+                          Case{0x5064, ZK_MACHINE_RISCV64, "RISC-V 64-bit address space"}, Case{0x0001, ZK_MACHINE_UNKNOWN, ""}}) {
         pe::Image image = TwoSections();
         image.machine = c.machine;
         ZKPEParser parser;
@@ -188,9 +189,11 @@ TEST(PEParser, FilesPathsCopiesAndOneReadPerParser)
     ASSERT_TRUE(other.ReadPEFile(ZKString(dir.Write("second.exe", bytes).c_str())));
     EXPECT_TRUE(other == parser);
     ZKPEParser copy(parser);
-    EXPECT_TRUE(copy == parser && copy.IsValid() && copy.GetExeFileName().IsEmpty());
+    EXPECT_TRUE(copy == parser);
+    EXPECT_TRUE(copy.IsValid() && copy.GetExeFileName().IsEmpty());
     ZKPEParser moved(std::move(copy));
-    EXPECT_TRUE(moved == parser && moved.GetExeFilePath().IsEmpty());
+    EXPECT_TRUE(moved == parser);
+    EXPECT_TRUE(moved.GetExeFilePath().IsEmpty());
     EXPECT_FALSE(ZKPEParser() == parser);
 
 #if !defined(_WIN32)
@@ -294,6 +297,7 @@ TEST(PEHostile, TruncationsCountsAndUnterminatedTables)
         parser.GetImportDirSection(section);
         parser.GetExportDir(dir);
         parser.GetSectionHeaderByName(".text", section);
+        EXPECT_EQ(parser.IsValid(), read);
         if (modules) *modules = imports.GetItemCount();
         return read;
     };
