@@ -9,26 +9,18 @@
 #include "files/TempFiles.h"
 
 using zk64::test::TempDir;
-using zk64::test::TextOnDisk;
+using Lines = std::vector<std::string>;
 
 namespace {
 
 std::string Bytes(ZKString const& s) { return std::string(s.GetString(), static_cast<std::size_t>(s.GetSize())); }
 
-std::vector<std::string> Lines(ZKContainer<ZKString> const& lines)
+Lines ReadLines(ZKFile const& file, ZKContainer<ZKString> lines = {})
 {
-    std::vector<std::string> out;
+    EXPECT_TRUE(file.ReadData(lines));
+    Lines out;
     for (unsigned long long i = 0; i < lines.GetItemCount(); ++i) out.push_back(Bytes(lines.GetItem(i)));
     return out;
-}
-
-std::vector<std::string> ReadLines(std::string const& path)
-{
-    ZKFile file;
-    EXPECT_TRUE(file.OpenFile(path.c_str(), FILE_STREAM_READ));
-    ZKContainer<ZKString> lines;
-    EXPECT_TRUE(file.ReadData(lines));
-    return Lines(lines);
 }
 
 std::string ReadAll(ZKFile const& file)
@@ -38,19 +30,11 @@ std::string ReadAll(ZKFile const& file)
     return Bytes(text);
 }
 
-// A file named f holding `bytes`, opened with `type`.
-ZKFile Opened(TempDir const& dir, std::string const& bytes, FILE_STREAM_TYPES type = FILE_STREAM_BINARY_READ)
+std::string ReadCount(ZKFile const& file, int count)
 {
-    ZKFile file;
-    EXPECT_TRUE(file.OpenFile(dir.Write("f", bytes).c_str(), type));
-    return file;
-}
-
-std::string AllBytes()
-{
-    std::string bytes;
-    for (int i = 0; i < 256; ++i) bytes += static_cast<char>(i);
-    return bytes;
+    ZKString text;
+    EXPECT_TRUE(file.ReadData(text, count));
+    return Bytes(text);
 }
 
 }  // namespace
@@ -58,62 +42,44 @@ std::string AllBytes()
 TEST(ZKFile, ClosedFileRefusesEverything)
 {
     ZKFile file;
-    EXPECT_FALSE(file.IsFileOpen());
-    EXPECT_STREQ(file.GetFileName(), "");
     EXPECT_EQ(file.GetFileStreamType(), FILE_STREAM_READ_WRITE);
     EXPECT_EQ(file.GetFileLengthBytes(), 0u);
-
     ZKContainer<ZKString> lines;
     ZKString text("keep");
-    EXPECT_FALSE(file.ReadData(lines));
-    EXPECT_FALSE(file.ReadData(text));
-    EXPECT_FALSE(file.ReadData(text, 2));
+    EXPECT_FALSE(file.ReadData(lines) || file.ReadData(text) || file.ReadData(text, 2) || file.WriteData(lines) ||
+                 file.WriteData(text) || file.WriteData(text, 1) || file.WriteData("x") || file.WriteData("x", 1) ||
+                 file.ClearFileData() || file.InsertEndLine() || file.InsertEndLine());
     EXPECT_EQ(Bytes(text), "keep");
-    EXPECT_EQ(lines.GetItemCount(), 0u);
-    EXPECT_FALSE(file.WriteData(lines));
-    EXPECT_FALSE(file.WriteData(text));
-    EXPECT_FALSE(file.WriteData(text, 1));
-    EXPECT_FALSE(file.WriteData("x"));
-    EXPECT_FALSE(file.WriteData("x", 1));
-    EXPECT_FALSE(file.ClearFileData());
-    EXPECT_FALSE(file.InsertEndLine());
     EXPECT_FALSE(file.OpenFile(static_cast<char const*>(nullptr), FILE_STREAM_WRITE));
     EXPECT_FALSE(file.CreateOrOpenFile(static_cast<char const*>(nullptr), FILE_STREAM_WRITE));
     EXPECT_STREQ(file.GetFileName(), "");
 }
 
-TEST(ZKFile, OpenNeedsAnExistingFileExceptForCreatingTypes)
+TEST(ZKFile, OpenAndCreateOrOpenPerType)
 {
-    TempDir dir("open-modes");
-    for (FILE_STREAM_TYPES type : {FILE_STREAM_READ_WRITE, FILE_STREAM_READ, FILE_STREAM_BINARY_READ_WRITE,
-                                   FILE_STREAM_BINARY_READ}) {
+    TempDir dir("open");
+    for (int type = 1; type <= 8; ++type) {
+        bool const creates = type == 1 || type == 4 || type == 5 || type == 8;
+        std::string const name = "new" + std::to_string(type);
         ZKFile file;
-        EXPECT_FALSE(file.OpenFile(dir.Path("missing").c_str(), type)) << type;
-        EXPECT_STREQ(file.GetFileName(), dir.Path("missing").c_str()) << "the name is stored first";
+        EXPECT_EQ(file.OpenFile(ZKString(dir.Path(name).c_str()), FILE_STREAM_TYPES(type)), creates) << type;
+        EXPECT_EQ(dir.Exists(name), creates);
+        EXPECT_STREQ(file.GetFileName(), dir.Path(name).c_str()) << "the name is stored first";
         EXPECT_EQ(file.GetFileStreamType(), type);
-        EXPECT_FALSE(dir.Exists("missing"));
+        // CreateOrOpen makes the file, keeps what it holds unless the type empties it.
+        ZKFile made;
+        std::string const kept = dir.Write("kept" + std::to_string(type), "kept");
+        ASSERT_TRUE(made.CreateOrOpenFile(ZKString(dir.Path("made" + std::to_string(type)).c_str()), FILE_STREAM_TYPES(type)));
+        EXPECT_EQ(made.GetFileLengthBytes(), 0u);
+        EXPECT_FALSE(made.CreateOrOpenFile(ZKString(kept.c_str()), FILE_STREAM_TYPES(type))) << "refused while open";
+        made.CloseFile();
+        ASSERT_TRUE(made.CreateOrOpenFile(kept.c_str(), FILE_STREAM_TYPES(type)));
+        made.CloseFile();
+        EXPECT_EQ(dir.Read("kept" + std::to_string(type)), type == 4 || type == 8 ? "" : "kept") << type;
     }
-    int created = 0;
-    for (FILE_STREAM_TYPES type : {FILE_STREAM_READ_WRITE_APPEND, FILE_STREAM_WRITE,
-                                   FILE_STREAM_BINARY_READ_WRITE_APPEND, FILE_STREAM_BINARY_WRITE}) {
-        std::string const name = "new" + std::to_string(created++);
-        ZKFile file;
-        EXPECT_TRUE(file.OpenFile(ZKString(dir.Path(name).c_str()), type)) << type;
-        EXPECT_TRUE(dir.Exists(name));
-        EXPECT_EQ(file.GetFileStreamType(), type);
-    }
-    ZKFile onDirectory;
-    EXPECT_FALSE(onDirectory.OpenFile(dir.Dir().c_str(), FILE_STREAM_READ));
-    EXPECT_FALSE(onDirectory.CreateOrOpenFile(dir.Dir().c_str(), FILE_STREAM_READ));
-    EXPECT_FALSE(onDirectory.CreateOrOpenFile(dir.Path("no/such/dir").c_str(), FILE_STREAM_READ_WRITE));
-}
-
-TEST(ZKFile, UnknownTypeClosesTheOldFileAndKeepsTheOldType)
-{
-    TempDir dir("unknown-type");
-    std::string const a = dir.Write("a", "aaa");
+    // An unknown type closes the old file, takes the name, keeps the old type.
     ZKFile file;
-    ASSERT_TRUE(file.OpenFile(a.c_str(), FILE_STREAM_BINARY_READ));
+    ASSERT_TRUE(file.OpenFile(dir.Write("a", "aaa").c_str(), FILE_STREAM_BINARY_READ));
     for (int type : {0, 9, -1}) {
         EXPECT_FALSE(file.OpenFile(dir.Path("b").c_str(), static_cast<FILE_STREAM_TYPES>(type)));
         EXPECT_FALSE(file.IsFileOpen());
@@ -121,354 +87,163 @@ TEST(ZKFile, UnknownTypeClosesTheOldFileAndKeepsTheOldType)
         EXPECT_EQ(file.GetFileStreamType(), FILE_STREAM_BINARY_READ);
     }
     EXPECT_FALSE(dir.Exists("b"));
-}
-
-TEST(ZKFile, OpenReplacesButCreateOrOpenRefusesAnOpenFile)
-{
-    TempDir dir("replace");
-    std::string const a = dir.Write("a", "first");
-    std::string const b = dir.Write("b", "second");
-    ZKFile file;
-    ASSERT_TRUE(file.OpenFile(a.c_str(), FILE_STREAM_BINARY_READ));
-    EXPECT_FALSE(file.CreateOrOpenFile(b.c_str(), FILE_STREAM_BINARY_WRITE));
-    EXPECT_STREQ(file.GetFileName(), a.c_str());
-    EXPECT_EQ(file.GetFileStreamType(), FILE_STREAM_BINARY_READ);
-    EXPECT_EQ(ReadAll(file), "first");
-    EXPECT_EQ(dir.Read("b"), "second") << "the refused type would have emptied it";
-
-    ASSERT_TRUE(file.OpenFile(ZKString(b.c_str()), FILE_STREAM_BINARY_READ));
-    EXPECT_STREQ(file.GetFileName(), b.c_str());
-    EXPECT_EQ(ReadAll(file), "second");
-    // Reopening under the stored name itself works too.
-    ASSERT_TRUE(file.OpenFile(file.GetFileName(), FILE_STREAM_BINARY_READ));
-    EXPECT_STREQ(file.GetFileName(), b.c_str());
-}
-
-TEST(ZKFile, CreateOrOpenKeepsOrCreatesContents)
-{
-    TempDir dir("create");
-    std::string const existing = dir.Write("existing", "kept");
-    ZKFile file;
-    ASSERT_TRUE(file.CreateOrOpenFile(existing.c_str(), FILE_STREAM_READ));
-    EXPECT_EQ(ReadAll(file), "kept");
-    EXPECT_EQ(file.GetFileStreamType(), FILE_STREAM_READ);
-    file.CloseFile();
-
-    ASSERT_TRUE(file.CreateOrOpenFile(ZKString(dir.Path("made").c_str()), FILE_STREAM_READ));
-    EXPECT_TRUE(dir.Exists("made"));
-    EXPECT_EQ(file.GetFileLengthBytes(), 0u);
-    EXPECT_STREQ(file.GetFileName(), dir.Path("made").c_str());
-    file.CloseFile();
-
-    // A type that empties files still does so.
-    ASSERT_TRUE(file.CreateOrOpenFile(existing.c_str(), FILE_STREAM_WRITE));
-    file.CloseFile();
-    EXPECT_EQ(dir.Read("existing"), "");
-
-    // A missing file with an unknown type is created, then refused.
     EXPECT_FALSE(file.CreateOrOpenFile(dir.Path("odd").c_str(), static_cast<FILE_STREAM_TYPES>(42)));
-    EXPECT_TRUE(dir.Exists("odd"));
-    EXPECT_FALSE(file.IsFileOpen());
+    EXPECT_TRUE(dir.Exists("odd")) << "created, then refused";
+    EXPECT_FALSE(file.OpenFile(dir.Dir().c_str(), FILE_STREAM_READ) || file.CreateOrOpenFile(dir.Dir().c_str(), FILE_STREAM_READ) ||
+                 file.CreateOrOpenFile(dir.Path("no/such/dir").c_str(), FILE_STREAM_READ_WRITE));
+    // OpenFile replaces an open file, under its own stored name too.
+    ASSERT_TRUE(file.OpenFile(dir.Path("a").c_str(), FILE_STREAM_BINARY_READ));
+    ASSERT_TRUE(file.OpenFile(ZKString(file.GetFileName()), FILE_STREAM_BINARY_READ));
+    EXPECT_EQ(ReadAll(file), "aaa");
 }
 
-TEST(ZKFile, BinaryTypesRoundTripEveryByte)
+TEST(ZKFile, WritesPerModeAndForm)
 {
-    TempDir dir("binary");
-    std::string const path = dir.Path("bytes");
-    std::string const bytes = AllBytes() + "\r\n\n\x1a" + AllBytes();
-    ZKFile file;
-    ASSERT_TRUE(file.OpenFile(path.c_str(), FILE_STREAM_BINARY_WRITE));
-    EXPECT_TRUE(file.WriteData(bytes.data(), static_cast<int>(bytes.size())));
-    file.CloseFile();
-    EXPECT_EQ(dir.Read("bytes"), bytes);
-
-    ASSERT_TRUE(file.OpenFile(path.c_str(), FILE_STREAM_BINARY_READ));
-    EXPECT_EQ(file.GetFileLengthBytes(), bytes.size());
-    EXPECT_EQ(ReadAll(file), bytes);
-}
-
-TEST(ZKFile, WriteTruncatesReadWriteOverwritesAppendAppends)
-{
-    TempDir dir("write-modes");
+    TempDir dir("write");
     std::string const path = dir.Write("f", "0123456789");
     ZKFile file;
     ASSERT_TRUE(file.OpenFile(path.c_str(), FILE_STREAM_BINARY_READ_WRITE));
     EXPECT_TRUE(file.WriteData("ab"));
-    file.CloseFile();
-    EXPECT_EQ(dir.Read("f"), "ab23456789");
-
     ASSERT_TRUE(file.OpenFile(path.c_str(), FILE_STREAM_BINARY_READ_WRITE_APPEND));
-    EXPECT_EQ(file.GetFileLengthBytes(), 10u);  // position now at the start
+    EXPECT_EQ(file.GetFileLengthBytes(), 10u);  // the position is now at the start, appending anyway
     EXPECT_TRUE(file.WriteData("XY"));
     file.CloseFile();
     EXPECT_EQ(dir.Read("f"), "ab23456789XY");
 
+    std::string all;
+    for (int i = 0; i < 256; ++i) all += static_cast<char>(i);
     ASSERT_TRUE(file.OpenFile(path.c_str(), FILE_STREAM_BINARY_WRITE));
-    file.CloseFile();
-    EXPECT_EQ(dir.Read("f"), "");
-}
-
-TEST(ZKFile, WriteDataForms)
-{
-    TempDir dir("write-forms");
-    std::string const path = dir.Path("f");
-    ZKFile file;
-    ASSERT_TRUE(file.OpenFile(path.c_str(), FILE_STREAM_BINARY_WRITE));
-    ZKString const withNul("ab\0cd", 5);
-    EXPECT_TRUE(file.WriteData(withNul));               // "ab"
-    EXPECT_TRUE(file.WriteData("ef\0gh", 5));           // all five
-    EXPECT_TRUE(file.WriteData(ZKString("xyz"), 5));    // more than the size: nothing
-    EXPECT_TRUE(file.WriteData(ZKString("xyz"), -1));   // widened: nothing
-    EXPECT_TRUE(file.WriteData(ZKString("xyz"), 2));    // "xy"
-    EXPECT_TRUE(file.WriteData("ij\0kl"));              // to the terminator
-    EXPECT_FALSE(file.WriteData(static_cast<char const*>(nullptr)));
-    EXPECT_FALSE(file.WriteData(static_cast<char const*>(nullptr), 1));
-    EXPECT_FALSE(file.WriteData("mn", -1));
+    EXPECT_TRUE(file.WriteData(ZKString("ab\0cd", 5)));  // to the zero byte
+    EXPECT_TRUE(file.WriteData(all.data(), 256));
+    EXPECT_TRUE(file.WriteData(ZKString("xyz"), 4));   // more than the size: nothing
+    EXPECT_TRUE(file.WriteData(ZKString("xyz"), -1));  // widened: nothing
+    EXPECT_TRUE(file.WriteData(ZKString("xyz"), 3));
+    EXPECT_TRUE(file.WriteData("ij\0kl"));
+    EXPECT_FALSE(file.WriteData(static_cast<char const*>(nullptr)) || file.WriteData(static_cast<char const*>(nullptr), 1) ||
+                 file.WriteData("mn", -1));
     ZKContainer<ZKString> items;
     EXPECT_TRUE(file.WriteData(items));
-    items.PushBack(ZKString("1"));
-    items.PushBack(ZKString("2\0x", 3));
-    items.PushBack(ZKString(""));
-    items.PushBack(ZKString("3"));
+    for (ZKString const& item : {ZKString("1"), ZKString("2\0x", 3), ZKString(""), ZKString("3")}) items.PushBack(item);
     EXPECT_TRUE(file.WriteData(items));
     EXPECT_TRUE(file.InsertEndLine());
     file.CloseFile();
-    EXPECT_EQ(dir.Read("f"), std::string("abef\0ghxyij123\n", 15));
-}
-
-TEST(ZKFile, FailedWritesClearTheStreamState)
-{
-    TempDir dir("failed-write");
-    std::string const path = dir.Write("f", "abc");
-    ZKFile file;
+    EXPECT_EQ(dir.Read("f"), "ab" + all + "xyzij123\n");
     ASSERT_TRUE(file.OpenFile(path.c_str(), FILE_STREAM_BINARY_READ));
-    EXPECT_FALSE(file.WriteData("x")) << "read-only stream";
-    EXPECT_EQ(ReadAll(file), "abc") << "the state was cleared, so reading works";
+    EXPECT_EQ(file.GetFileLengthBytes(), 267u);
+    EXPECT_EQ(ReadAll(file), "ab" + all + "xyzij123\n");
 
-    // Read to the end (eof and fail), then write: the write fails, clears,
-    // and the next write succeeds.
+    // A failed write clears the flags: the next call starts afresh.
+    EXPECT_FALSE(file.WriteData("x")) << "read-only";
+    EXPECT_EQ(file.GetFileLengthBytes(), 267u);
+    EXPECT_EQ(ReadCount(file, 2), "ab");
+    EXPECT_FALSE(file.InsertEndLine()) << "does not clear";
+    EXPECT_EQ(ReadCount(file, 2), std::string(2, '\0'));
     ASSERT_TRUE(file.OpenFile(path.c_str(), FILE_STREAM_BINARY_READ_WRITE));
-    ZKContainer<ZKString> lines;
-    ASSERT_TRUE(file.ReadData(lines));
+    ReadLines(file);  // eof and fail
     EXPECT_FALSE(file.WriteData(ZKString("d")));
     EXPECT_TRUE(file.WriteData(ZKString("d")));
-    file.CloseFile();
-    EXPECT_EQ(dir.Read("f"), "abcd");
-}
-
-TEST(ZKFile, InsertEndLineNeitherChecksNorClears)
-{
-    TempDir dir("endline");
-    ZKFile file;
-    EXPECT_FALSE(file.InsertEndLine());
-    EXPECT_FALSE(file.InsertEndLine()) << "the bad state stays";
-    ASSERT_TRUE(file.OpenFile(dir.Path("text").c_str(), FILE_STREAM_WRITE)) << "an open clears it";
-    EXPECT_TRUE(file.WriteData("a"));
-    EXPECT_TRUE(file.InsertEndLine());
-    ASSERT_TRUE(file.OpenFile(dir.Path("binary").c_str(), FILE_STREAM_BINARY_WRITE));
-    EXPECT_TRUE(file.WriteData("a"));
-    EXPECT_TRUE(file.InsertEndLine());
-    file.CloseFile();
-    EXPECT_EQ(dir.Read("text"), TextOnDisk("a\n"));
-    EXPECT_EQ(dir.Read("binary"), "a\n");
-
-    // On a stream that cannot write it fails and leaves the state bad.
-    ASSERT_TRUE(file.OpenFile(dir.Path("binary").c_str(), FILE_STREAM_BINARY_READ));
-    EXPECT_FALSE(file.InsertEndLine());
-    ZKString text;
-    EXPECT_TRUE(file.ReadData(text, 2));
-    EXPECT_EQ(Bytes(text), std::string(2, '\0')) << "nothing can be read while the state is bad";
-}
-
-TEST(ZKFile, LineReadingLeavesEofAndFail)
-{
-    TempDir dir("lines");
-    EXPECT_EQ(ReadLines(dir.Write("two", "one\ntwo\n")), (std::vector<std::string>{"one", "two", ""}));
-    EXPECT_EQ(ReadLines(dir.Write("open", "one\ntwo")), (std::vector<std::string>{"one", "two"}));
-    EXPECT_EQ(ReadLines(dir.Write("empty", "")), (std::vector<std::string>{""}));
-    EXPECT_EQ(ReadLines(dir.Write("zero-byte", std::string("a\0b\n\nc", 6))), (std::vector<std::string>{"a", "", "c"}));
-
-    ZKFile file;
-    ASSERT_TRUE(file.OpenFile(dir.Path("two").c_str(), FILE_STREAM_BINARY_READ));
-    ZKContainer<ZKString> lines;
-    lines.PushBack(ZKString("before"));
-    ASSERT_TRUE(file.ReadData(lines));
-    EXPECT_EQ(Lines(lines), (std::vector<std::string>{"before", "one", "two", ""}));
-    EXPECT_TRUE(file.ReadData(lines)) << "at eof: nothing more";
-    EXPECT_EQ(lines.GetItemCount(), 4u);
-
-    // The failbit makes the seeks fail: the length is the failed position.
-    EXPECT_EQ(file.GetFileLengthBytes(), 4294967295u);
-    EXPECT_EQ(file.GetFileLengthBytes(), 4294967295u);
-    // The seek took eofbit away but the stream is still failed: a line read
-    // stops at once instead of pushing empty lines forever, and the whole
-    // file has no length to go by.
-    EXPECT_TRUE(file.ReadData(lines));
-    EXPECT_EQ(lines.GetItemCount(), 4u);
-    ZKString text("kept");
-    EXPECT_FALSE(file.ReadData(text));
-    EXPECT_EQ(Bytes(text), "kept");
-    // Reopening starts afresh.
-    ASSERT_TRUE(file.OpenFile(file.GetFileName(), FILE_STREAM_BINARY_READ));
-    EXPECT_EQ(file.GetFileLengthBytes(), 8u);
-}
-
-TEST(ZKFile, LinesFromTheCurrentPosition)
-{
-    TempDir dir("lines-position");
-    ZKFile const file = Opened(dir, "abc\ndef");
-    ZKString head;
-    ASSERT_TRUE(file.ReadData(head, 2));
-    ZKContainer<ZKString> lines;
-    ASSERT_TRUE(file.ReadData(lines));
-    EXPECT_EQ(Lines(lines), (std::vector<std::string>{"c", "def"}));
-}
-
-TEST(ZKFile, WholeFileReadStartsAtTheBeginning)
-{
-    TempDir dir("whole");
-    ZKFile file = Opened(dir, "hello world");
-    ZKString part;
-    ASSERT_TRUE(file.ReadData(part, 5));
-    EXPECT_EQ(ReadAll(file), "hello world");
-    EXPECT_EQ(ReadAll(file), "hello world");
-    ZKString text("previous text that is longer");
-    ASSERT_TRUE(file.OpenFile(dir.Write("empty", "").c_str(), FILE_STREAM_BINARY_READ));
-    ASSERT_TRUE(file.ReadData(text));
-    EXPECT_EQ(text.GetSize(), 0);
-}
-
-TEST(ZKFile, CountedReadPadsWithZeroBytes)
-{
-    TempDir dir("counted");
-    ZKFile const file = Opened(dir, "abcdef");
-    ZKString text;
-    ASSERT_TRUE(file.ReadData(text, 4));
-    EXPECT_EQ(Bytes(text), "abcd");
-    ASSERT_TRUE(file.ReadData(text, 4));
-    EXPECT_EQ(Bytes(text), std::string("ef\0\0", 4));
-    ASSERT_TRUE(file.ReadData(text, 3));
-    EXPECT_EQ(Bytes(text), std::string(3, '\0')) << "at the end: zeros, and no state check";
-    ASSERT_TRUE(file.ReadData(text, 0));
-    EXPECT_EQ(text.GetSize(), 0);
-    text = "kept";
-    EXPECT_FALSE(file.ReadData(text, -1));
-    EXPECT_EQ(Bytes(text), "kept");
-}
-
-TEST(ZKFile, LengthMovesThePositionToTheStart)
-{
-    TempDir dir("length");
-    ZKFile file = Opened(dir, "abcdef", FILE_STREAM_BINARY_READ_WRITE);
-    ZKString text;
-    ASSERT_TRUE(file.ReadData(text, 4));
-    EXPECT_EQ(file.GetFileLengthBytes(), 6u);
-    ASSERT_TRUE(file.ReadData(text, 2));
-    EXPECT_EQ(Bytes(text), "ab");
-    // A writer in the middle of the file is moved too.
+    // The length moves a writer in the middle of the file to the start.
+    ASSERT_TRUE(file.OpenFile(dir.Write("g", "abcdef").c_str(), FILE_STREAM_BINARY_READ_WRITE));
+    EXPECT_EQ(ReadCount(file, 4), "abcd");
     EXPECT_EQ(file.GetFileLengthBytes(), 6u);
     EXPECT_TRUE(file.WriteData("XY"));
     file.CloseFile();
-    EXPECT_EQ(dir.Read("f"), "XYcdef");
+    EXPECT_EQ(dir.Read("g"), "XYcdef");
 }
 
-TEST(ZKFile, ClearFileDataEmptiesAndReopens)
+TEST(ZKFile, Reads)
+{
+    TempDir dir("read");
+    std::pair<std::string, Lines> const rows[] = {
+        {"one\ntwo\n", {"one", "two", ""}},
+        {"one\ntwo", {"one", "two"}},
+        {"", {""}},
+        {std::string("a\0b\n\nc", 6), {"a", "", "c"}},
+    };
+    ZKFile file;
+    for (auto const& [bytes, lines] : rows) {
+        ASSERT_TRUE(file.OpenFile(dir.Write("f", bytes).c_str(), FILE_STREAM_BINARY_READ));
+        EXPECT_EQ(ReadLines(file), lines) << bytes;
+    }
+    ASSERT_TRUE(file.OpenFile(dir.Write("f", "abc\ndef\n").c_str(), FILE_STREAM_BINARY_READ));
+    EXPECT_EQ(ReadCount(file, 2), "ab");
+    ZKContainer<ZKString> before;
+    before.PushBack(ZKString("before"));
+    EXPECT_EQ(ReadLines(file, before), (Lines{"before", "c", "def", ""})) << "from the position, appended";
+    EXPECT_EQ(ReadLines(file), Lines{}) << "at the end: nothing more";
+    EXPECT_EQ(file.GetFileLengthBytes(), 4294967295u) << "the failbit makes the seek fail";
+    EXPECT_EQ(ReadLines(file), Lines{});
+    ZKString text("kept");
+    EXPECT_FALSE(file.ReadData(text));
+    EXPECT_FALSE(file.ReadData(text, -1));
+    EXPECT_EQ(Bytes(text), "kept");
+
+    ASSERT_TRUE(file.OpenFile(file.GetFileName(), FILE_STREAM_BINARY_READ));
+    EXPECT_EQ(file.GetFileLengthBytes(), 8u) << "reopening starts afresh";
+    EXPECT_EQ(ReadCount(file, 5), "abc\nd");
+    EXPECT_EQ(ReadAll(file), "abc\ndef\n") << "from the start";
+    EXPECT_EQ(ReadAll(file), "abc\ndef\n");
+    EXPECT_EQ(file.GetFileLengthBytes(), 8u);
+    EXPECT_EQ(ReadCount(file, 5), "abc\nd");
+    EXPECT_EQ(ReadCount(file, 4), std::string("ef\n\0", 4));
+    EXPECT_EQ(ReadCount(file, 3), std::string(3, '\0'));
+    EXPECT_EQ(ReadCount(file, 0), "");
+    ASSERT_TRUE(file.OpenFile(dir.Write("empty", "").c_str(), FILE_STREAM_BINARY_READ));
+    EXPECT_EQ(ReadAll(file), "");
+
+    // Text types translate line ends on Windows only.
+    ASSERT_TRUE(file.OpenFile(dir.Write("crlf", "a\r\nb").c_str(), FILE_STREAM_READ));
+    EXPECT_EQ(file.GetFileLengthBytes(), 4u);
+    bool const windows = zk64::test::TextOnDisk("\n") != "\n";
+    EXPECT_EQ(ReadAll(file), windows ? std::string("a\nb\0", 4) : "a\r\nb") << "a text of the file's length";
+    ASSERT_TRUE(file.OpenFile(file.GetFileName(), FILE_STREAM_READ));
+    EXPECT_EQ(ReadLines(file), (Lines{windows ? "a" : "a\r", "b"}));
+    ASSERT_TRUE(file.OpenFile(dir.Path("text").c_str(), FILE_STREAM_WRITE));
+    EXPECT_TRUE(file.WriteData("a\n") && file.InsertEndLine());
+    file.CloseFile();
+    EXPECT_EQ(dir.Read("text"), zk64::test::TextOnDisk("a\n\n"));
+}
+
+TEST(ZKFile, ClearMoveAndSharing)
 {
     TempDir dir("clear");
-    // Even a read-only file is emptied: the truncation opens it for output.
+    // Even a read-only file is emptied, and reopened with its own type.
     for (FILE_STREAM_TYPES type : {FILE_STREAM_READ_WRITE, FILE_STREAM_READ}) {
-        std::string const path = dir.Write("f", "contents");
         ZKFile file;
-        ASSERT_TRUE(file.OpenFile(path.c_str(), type));
+        ASSERT_TRUE(file.OpenFile(dir.Write("f", "contents").c_str(), type));
         EXPECT_TRUE(file.ClearFileData());
         EXPECT_TRUE(file.IsFileOpen());
-        EXPECT_EQ(file.GetFileStreamType(), type);
-        EXPECT_STREQ(file.GetFileName(), path.c_str());
         EXPECT_EQ(file.GetFileLengthBytes(), 0u);
-        EXPECT_EQ(file.WriteData("new"), type == FILE_STREAM_READ_WRITE) << "reopened with its own type";
+        EXPECT_EQ(file.WriteData("new"), type == FILE_STREAM_READ_WRITE);
         file.CloseFile();
         EXPECT_EQ(dir.Read("f"), type == FILE_STREAM_READ_WRITE ? "new" : "");
     }
-}
 
-TEST(ZKFile, MoveTakesTheOpenFile)
-{
-    TempDir dir("move");
-    std::string const a = dir.Write("a", "aaa");
     ZKFile source;
-    ASSERT_TRUE(source.OpenFile(a.c_str(), FILE_STREAM_BINARY_READ));
+    ASSERT_TRUE(source.OpenFile(dir.Write("a", "aaa").c_str(), FILE_STREAM_BINARY_READ));
     ZKFile moved(std::move(source));
-    EXPECT_TRUE(moved.IsFileOpen());
-    EXPECT_STREQ(moved.GetFileName(), a.c_str());
+    EXPECT_STREQ(moved.GetFileName(), dir.Path("a").c_str());
     EXPECT_EQ(moved.GetFileStreamType(), FILE_STREAM_BINARY_READ);
     EXPECT_EQ(ReadAll(moved), "aaa");
     EXPECT_FALSE(source.IsFileOpen());
     EXPECT_STREQ(source.GetFileName(), "");
     EXPECT_EQ(source.GetFileStreamType(), FILE_STREAM_BINARY_READ) << "the source keeps its type";
-    ASSERT_TRUE(source.OpenFile(dir.Write("b", "bb").c_str(), FILE_STREAM_BINARY_READ));
-    EXPECT_EQ(ReadAll(source), "bb");
+    ASSERT_TRUE(source.OpenFile(dir.Write("b", "bb\n").c_str(), FILE_STREAM_BINARY_READ));
+    ReadLines(source);  // eof and fail
 
-    // Assignment closes the target's file (flushing what it buffered) and
-    // takes the source's stream with its flags.
+    // Assignment flushes and closes the target's file and takes the source's stream, flags included.
     ZKFile target;
-    ASSERT_TRUE(target.OpenFile(dir.Path("c").c_str(), FILE_STREAM_BINARY_WRITE));
+    ASSERT_TRUE(target.OpenFile(dir.Path("c").c_str(), FILE_STREAM_BINARY_READ_WRITE_APPEND));
+    ZKFile reader;
+    ASSERT_TRUE(reader.OpenFile(dir.Path("c").c_str(), FILE_STREAM_BINARY_READ)) << "other openers are not denied";
     ASSERT_TRUE(target.WriteData("written"));
-    ZKContainer<ZKString> lines;
-    ASSERT_TRUE(source.ReadData(lines));  // eof and fail
     target = std::move(source);
-    EXPECT_EQ(dir.Read("c"), "written");
-    EXPECT_TRUE(target.IsFileOpen());
+    EXPECT_EQ(ReadAll(reader), "written");
     EXPECT_STREQ(target.GetFileName(), dir.Path("b").c_str());
-    EXPECT_EQ(target.GetFileLengthBytes(), 4294967295u) << "the failed state came along";
-    EXPECT_FALSE(source.IsFileOpen());
+    EXPECT_EQ(target.GetFileLengthBytes(), 4294967295u);
     EXPECT_STREQ(source.GetFileName(), "");
-
     ZKFile& self = target;
     target = std::move(self);
     EXPECT_TRUE(target.IsFileOpen());
     EXPECT_STREQ(target.GetFileName(), dir.Path("b").c_str());
-}
-
-TEST(ZKFile, OtherOpenersAreNotDenied)
-{
-    TempDir dir("sharing");
-    std::string const path = dir.Path("shared");
-    ZKFile writer;
-    ZKFile reader;
-    ASSERT_TRUE(writer.OpenFile(path.c_str(), FILE_STREAM_BINARY_READ_WRITE_APPEND));
-    ASSERT_TRUE(reader.OpenFile(path.c_str(), FILE_STREAM_BINARY_READ));
-    ZKFile second;
-    ASSERT_TRUE(second.OpenFile(path.c_str(), FILE_STREAM_BINARY_READ_WRITE));
-    ASSERT_TRUE(writer.WriteData("shared"));
-    ASSERT_TRUE(writer.InsertEndLine());  // flushes
-    EXPECT_EQ(ReadAll(reader), "shared\n");
-}
-
-// Text types translate line ends on Windows only; the binary types above
-// never do.
-TEST(ZKFile, TextTypesTranslateLineEndsOnWindows)
-{
-    TempDir dir("text-mode");
-    ZKFile file;
-    ASSERT_TRUE(file.OpenFile(dir.Path("f").c_str(), FILE_STREAM_WRITE));
-    EXPECT_TRUE(file.WriteData("a\nb\n"));
-    file.CloseFile();
-    EXPECT_EQ(dir.Read("f"), TextOnDisk("a\nb\n"));
-
-    ASSERT_TRUE(file.OpenFile(dir.Write("crlf", "a\r\nb").c_str(), FILE_STREAM_READ));
-    EXPECT_EQ(file.GetFileLengthBytes(), 4u);
-    ZKString text;
-    ASSERT_TRUE(file.ReadData(text));
-#if defined(_WIN32)
-    // Three bytes arrive; the text keeps the file's length of four.
-    EXPECT_EQ(Bytes(text), std::string("a\nb\0", 4));
-#else
-    EXPECT_EQ(Bytes(text), "a\r\nb");
-#endif
-#if defined(_WIN32)
-    std::vector<std::string> const lines{"a", "b"};
-#else
-    std::vector<std::string> const lines{"a\r", "b"};
-#endif
-    EXPECT_EQ(ReadLines(dir.Path("crlf")), lines);
 }

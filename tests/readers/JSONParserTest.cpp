@@ -12,11 +12,10 @@
 #include "files/PrivateAccess.h"
 #include "files/TempFiles.h"
 
-using zk64::test::TempDir;
-
 // The reader's private parts are exported and fixed; nothing in the library
 // calls them, so the tests reach them directly.
 using Predicate = bool (ZKJSONParser::*)(unsigned char) const;
+using Helper = void (ZKJSONParser::*)();
 ZK_PRIVATE_MEMBER(JsonText, ZKString ZKJSONParser::*, &ZKJSONParser::m_jsonText);
 ZK_PRIVATE_MEMBER(JsonLookAhead, unsigned char ZKJSONParser::*, &ZKJSONParser::m_lookAhead);
 ZK_PRIVATE_MEMBER(JsonSymbol, Symbol ZKJSONParser::*, &ZKJSONParser::m_symbol);
@@ -27,193 +26,111 @@ ZK_PRIVATE_MEMBER(JsonIsEscape, Predicate, &ZKJSONParser::IsEscape);
 ZK_PRIVATE_MEMBER(JsonIsExponent, Predicate, &ZKJSONParser::IsExponent);
 ZK_PRIVATE_MEMBER(JsonIsSign, Predicate, &ZKJSONParser::IsSign);
 ZK_PRIVATE_MEMBER(JsonAcceptSym, bool (ZKJSONParser::*)(Symbol), &ZKJSONParser::AcceptSym);
-ZK_PRIVATE_MEMBER(JsonNextSym, void (ZKJSONParser::*)(), &ZKJSONParser::NextSym);
-ZK_PRIVATE_MEMBER(JsonParseJson, void (ZKJSONParser::*)(), &ZKJSONParser::ParseJson);
-ZK_PRIVATE_MEMBER(JsonConsumeWhiteSpace, void (ZKJSONParser::*)(), &ZKJSONParser::ConsumeWhiteSpace);
-ZK_PRIVATE_MEMBER(JsonElement, void (ZKJSONParser::*)(), &ZKJSONParser::Element);
+ZK_PRIVATE_MEMBER(JsonNextSym, Helper, &ZKJSONParser::NextSym);
+ZK_PRIVATE_MEMBER(JsonParseJson, Helper, &ZKJSONParser::ParseJson);
+ZK_PRIVATE_MEMBER(JsonConsumeWhiteSpace, Helper, &ZKJSONParser::ConsumeWhiteSpace);
+ZK_PRIVATE_MEMBER(JsonElement, Helper, &ZKJSONParser::Element);
 
 namespace {
 
-ZKString& Text(ZKJSONParser& parser) { return parser.*Member(JsonText{}); }
-unsigned char& LookAhead(ZKJSONParser& parser) { return parser.*Member(JsonLookAhead{}); }
-Symbol& CurrentSymbol(ZKJSONParser& parser) { return parser.*Member(JsonSymbol{}); }
-
-// The bytes a predicate accepts.
-std::set<int> Accepted(Predicate predicate)
+// "text|look-ahead|symbol"
+std::string State(ZKJSONParser& p)
 {
-    ZKJSONParser parser;
-    std::set<int> bytes;
-    for (int c = 0; c < 256; ++c) {
-        if ((parser.*predicate)(static_cast<unsigned char>(c))) bytes.insert(c);
-    }
-    return bytes;
+    ZKString const& text = p.*Member(JsonText{});
+    return std::string(text.GetString(), static_cast<std::size_t>(text.GetSize())) + "|" +
+           std::to_string(p.*Member(JsonLookAhead{})) + "|" + std::to_string(p.*Member(JsonSymbol{}));
 }
 
-std::set<int> Range(int first, int last)
-{
-    std::set<int> bytes;
-    for (int c = first; c <= last; ++c) bytes.insert(c);
-    return bytes;
-}
-
-ZKJSONParser Loaded(char const* text, unsigned char lookAhead, Symbol symbol)
+ZKJSONParser Loaded(ZKString const& text, unsigned char lookAhead, Symbol symbol)
 {
     ZKJSONParser parser;
-    Text(parser) = text;
-    LookAhead(parser) = lookAhead;
-    CurrentSymbol(parser) = symbol;
+    parser.*Member(JsonText{}) = text;
+    parser.*Member(JsonLookAhead{}) = lookAhead;
+    parser.*Member(JsonSymbol{}) = symbol;
     return parser;
 }
 
 }  // namespace
 
-TEST(JSONParser, AnyNonEmptyFileReads)
+TEST(JSONParser, AnyNonEmptyFileReadsAndNothingIsKept)
 {
-    TempDir dir("json-read");
-    std::string const notJson = dir.Write("not.json", "this is { not json");
-    ZKJSONParser parser;
-    EXPECT_TRUE(parser.ReadJSONFile(ZKString(notJson.c_str())));
+    zk64::test::TempDir dir("json-read");
+    ZKString const notJson(dir.Write("not.json", "this is { not json").c_str()), empty(dir.Write("empty", "").c_str());
+    ZKJSONParser parser = Loaded("kept", 7, ZK_JSON_SYMBOL_COMMA);
+    EXPECT_TRUE(parser.ReadJSONFile(notJson));
+    EXPECT_TRUE(parser.ReadJSONFile(ZKString(dir.Write("zero", std::string(1, '\0')).c_str())));
+    EXPECT_EQ(State(parser), "kept|7|6");
+    EXPECT_FALSE(parser.ReadJSONFile(empty) || parser.ReadJSONFile(ZKString(dir.Path("missing").c_str())) ||
+                 parser.ReadJSONFile(ZKString(dir.Dir().c_str())));
     ZKFile file;
-    EXPECT_TRUE(parser.ReadJSONFile(file, ZKString(notJson.c_str())));
-    EXPECT_TRUE(file.IsFileOpen()) << "left open for the caller";
-    EXPECT_STREQ(file.GetFileName(), notJson.c_str());
-    EXPECT_EQ(file.GetFileStreamType(), FILE_STREAM_READ);
-    EXPECT_FALSE(parser.ReadJSONFile(file, ZKString(notJson.c_str()))) << "still open";
-    file.CloseFile();
-    EXPECT_TRUE(parser.ReadJSONFile(file, ZKString(dir.Write("one", "x").c_str())));
-    EXPECT_TRUE(parser.ReadJSONFile(ZKString(dir.Write("zero-byte", std::string(1, '\0')).c_str())))
-        << "one zero byte is not empty";
-}
-
-TEST(JSONParser, EmptyMissingAndBusyFilesFail)
-{
-    TempDir dir("json-fail");
-    std::string const empty = dir.Write("empty.json", "");
-    ZKJSONParser parser;
-    ZKFile file;
-    EXPECT_FALSE(parser.ReadJSONFile(file, ZKString(empty.c_str())));
+    EXPECT_FALSE(parser.ReadJSONFile(file, empty));
     EXPECT_FALSE(file.IsFileOpen()) << "closed again";
-    EXPECT_FALSE(parser.ReadJSONFile(ZKString(empty.c_str())));
-    EXPECT_FALSE(parser.ReadJSONFile(ZKString(dir.Path("missing.json").c_str())));
-    EXPECT_FALSE(parser.ReadJSONFile(file, ZKString(dir.Path("missing.json").c_str())));
-    EXPECT_FALSE(parser.ReadJSONFile(ZKString(dir.Dir().c_str())));
-
-    std::string const other = dir.Write("other", "busy");
-    ZKFile busy;
-    ASSERT_TRUE(busy.OpenFile(other.c_str(), FILE_STREAM_BINARY_READ_WRITE));
-    EXPECT_FALSE(parser.ReadJSONFile(busy, ZKString(dir.Write("good.json", "{}").c_str())));
-    EXPECT_TRUE(busy.IsFileOpen());
-    EXPECT_STREQ(busy.GetFileName(), other.c_str());
-    EXPECT_EQ(busy.GetFileStreamType(), FILE_STREAM_BINARY_READ_WRITE);
+    EXPECT_TRUE(parser.ReadJSONFile(file, notJson));
+    EXPECT_TRUE(file.IsFileOpen()) << "left open for the caller";
+    EXPECT_EQ(file.GetFileStreamType(), FILE_STREAM_READ);
+    EXPECT_FALSE(parser.ReadJSONFile(file, empty)) << "still open";
+    EXPECT_STREQ(file.GetFileName(), notJson.GetString());
 }
 
-TEST(JSONParser, ReadingChangesNoMember)
-{
-    TempDir dir("json-members");
-    ZKJSONParser reader = Loaded("kept", 7, ZK_JSON_SYMBOL_COMMA);
-    ZKJSONParser const before = reader;
-    EXPECT_TRUE(reader.ReadJSONFile(ZKString(dir.Write("f.json", "[1, 2]").c_str())));
-    EXPECT_TRUE(reader == before);
-    EXPECT_STREQ(Text(reader).GetString(), "kept");
-    EXPECT_EQ(CurrentSymbol(reader), ZK_JSON_SYMBOL_COMMA);
-
-    ZKJSONParser a;
-    ZKJSONParser const b;
-    EXPECT_TRUE(a == b);
-    EXPECT_TRUE(a.ReadJSONFile(ZKString(dir.Path("f.json").c_str())));
-    EXPECT_TRUE(a == b);
-}
-
-TEST(JSONParser, EqualityComparesTextAndLookAheadOnly)
+TEST(JSONParser, CopiesMovesAndEqualityTakeTextAndLookAheadOnly)
 {
     ZKJSONParser const base = Loaded("ab", 1, ZK_JSON_SYMBOL_NONE);
     EXPECT_TRUE(base == Loaded("ab", 1, ZK_JSON_SYMBOL_WHITESPACE));
-    EXPECT_FALSE(base == Loaded("ab", 2, ZK_JSON_SYMBOL_NONE));
-    EXPECT_FALSE(base == Loaded("abc", 1, ZK_JSON_SYMBOL_NONE));
-    EXPECT_FALSE(base == Loaded("aB", 1, ZK_JSON_SYMBOL_NONE));
-    ZKJSONParser withNul = Loaded("ab", 1, ZK_JSON_SYMBOL_NONE);
-    Text(withNul) = ZKString("ab\0", 3);
-    EXPECT_FALSE(base == withNul) << "the whole counted text counts";
-}
+    for (ZKJSONParser const& other : {Loaded("ab", 2, ZK_JSON_SYMBOL_NONE), Loaded("abc", 1, ZK_JSON_SYMBOL_NONE),
+                                      Loaded("aB", 1, ZK_JSON_SYMBOL_NONE), Loaded(ZKString("ab\0", 3), 1, ZK_JSON_SYMBOL_NONE)})
+        EXPECT_FALSE(base == other);
 
-TEST(JSONParser, CopiesAndMovesTakeTextAndLookAheadButNotTheSymbol)
-{
     ZKJSONParser source = Loaded("text", 9, ZK_JSON_SYMBOL_WHITESPACE);
     ZKJSONParser copied(source);
-    EXPECT_STREQ(Text(copied).GetString(), "text");
-    EXPECT_EQ(LookAhead(copied), 9);
-    EXPECT_EQ(CurrentSymbol(copied), ZK_JSON_SYMBOL_NONE);
-
+    EXPECT_EQ(State(copied), "text|9|0");
     ZKJSONParser target = Loaded("old", 1, ZK_JSON_SYMBOL_COLON);
     target = source;
-    EXPECT_TRUE(target == source);
-    EXPECT_EQ(CurrentSymbol(target), ZK_JSON_SYMBOL_COLON);
     ZKJSONParser& self = target;
     target = self;
-    EXPECT_STREQ(Text(target).GetString(), "text");
-
+    EXPECT_EQ(State(target), "text|9|5");
     ZKJSONParser moved(std::move(copied));
-    EXPECT_STREQ(Text(moved).GetString(), "text");
-    EXPECT_EQ(LookAhead(moved), 9);
-    EXPECT_EQ(CurrentSymbol(moved), ZK_JSON_SYMBOL_NONE);
-    EXPECT_TRUE(Text(copied).IsEmpty()) << "the text was moved";
-    EXPECT_EQ(LookAhead(copied), 9) << "the byte was copied";
-
-    ZKJSONParser moveTarget = Loaded("old", 1, ZK_JSON_SYMBOL_COLON);
-    moveTarget = std::move(moved);
-    EXPECT_STREQ(Text(moveTarget).GetString(), "text");
-    EXPECT_EQ(LookAhead(moveTarget), 9);
-    EXPECT_EQ(CurrentSymbol(moveTarget), ZK_JSON_SYMBOL_COLON);
-    EXPECT_TRUE(Text(moved).IsEmpty());
+    EXPECT_EQ(State(moved), "text|9|0");
+    EXPECT_EQ(State(copied), "|9|0") << "the text was moved, the byte copied";
+    target = Loaded("old", 1, ZK_JSON_SYMBOL_COLON);
+    target = std::move(moved);
+    EXPECT_EQ(State(target), "text|9|5");
+    EXPECT_EQ(State(moved), "|9|0");
 }
 
-TEST(JSONParser, PredicateTables)
+TEST(JSONParser, PredicateTablesAndHelpers)
 {
-    EXPECT_EQ(Accepted(Member(JsonIsCharacter{})), Range(0x20, 0xFF));
-    EXPECT_EQ(Accepted(Member(JsonIsDigit{})), Range('0', '9'));
-    EXPECT_EQ(Accepted(Member(JsonIsWhiteSpace{})), (std::set<int>{0x00, 0x09, 0x0A, 0x0D, 0x20}));
     // Fixed bytes, not the escape, exponent and sign characters themselves.
-    EXPECT_EQ(Accepted(Member(JsonIsEscape{})),
-              (std::set<int>{0x10, 0x14, 0x18, 0x1C, 0x20, 0x24, 0x28, 0x2C, 0x30}));
-    EXPECT_EQ(Accepted(Member(JsonIsExponent{})), (std::set<int>{0x00, 0x34, 0x38}));
-    EXPECT_EQ(Accepted(Member(JsonIsSign{})), (std::set<int>{0x00, 0x3C, 0x40}));
-}
-
-TEST(JSONParser, SymbolHelpersNeitherAdvanceNorChangeAnything)
-{
+    std::pair<Predicate, std::set<int>> const tables[] = {
+        {Member(JsonIsDigit{}), {'0', '1', '2', '3', '4', '5', '6', '7', '8', '9'}},
+        {Member(JsonIsWhiteSpace{}), {0x00, 0x09, 0x0A, 0x0D, 0x20}},
+        {Member(JsonIsEscape{}), {0x10, 0x14, 0x18, 0x1C, 0x20, 0x24, 0x28, 0x2C, 0x30}},
+        {Member(JsonIsExponent{}), {0x00, 0x34, 0x38}},
+        {Member(JsonIsSign{}), {0x00, 0x3C, 0x40}},
+    };
     ZKJSONParser parser = Loaded("t", 3, ZK_JSON_SYMBOL_STRING);
-    EXPECT_TRUE((parser.*Member(JsonAcceptSym{}))(ZK_JSON_SYMBOL_STRING));
+    for (int c = 0; c < 256; ++c) {
+        EXPECT_EQ((parser.*Member(JsonIsCharacter{}))(static_cast<unsigned char>(c)), c >= 0x20) << c;
+        for (auto const& [predicate, bytes] : tables)
+            EXPECT_EQ((parser.*predicate)(static_cast<unsigned char>(c)), bytes.count(c) == 1) << c;
+    }
+
     EXPECT_TRUE((parser.*Member(JsonAcceptSym{}))(ZK_JSON_SYMBOL_STRING));
     EXPECT_FALSE((parser.*Member(JsonAcceptSym{}))(ZK_JSON_SYMBOL_NUMBER));
-    (parser.*Member(JsonNextSym{}))();
-    (parser.*Member(JsonParseJson{}))();
-    (parser.*Member(JsonConsumeWhiteSpace{}))();
-    (parser.*Member(JsonElement{}))();
-    EXPECT_EQ(CurrentSymbol(parser), ZK_JSON_SYMBOL_STRING);
-    EXPECT_TRUE(parser == Loaded("t", 3, ZK_JSON_SYMBOL_NONE));
+    for (Helper helper : {Member(JsonNextSym{}), Member(JsonParseJson{}), Member(JsonConsumeWhiteSpace{}), Member(JsonElement{})})
+        (parser.*helper)();
+    EXPECT_EQ(State(parser), "t|3|7");
     ZKJSONParser fresh;
-    EXPECT_EQ(CurrentSymbol(fresh), ZK_JSON_SYMBOL_NONE) << "the constructors' symbol keeps them returning";
-}
+    EXPECT_EQ(State(fresh), "|0|0") << "the symbol keeps the helpers returning";
 
-// With the symbol 24 both helpers spin. The test lets one spin, checks that
-// it has not returned, then changes the symbol through an atomic reference
-// (the helpers read it the same way) so that it can return and be joined.
-TEST(JSONParser, WhiteSpaceSymbolSpinsForever)
-{
-    using Helper = void (ZKJSONParser::*)();
+    // With the symbol 24 both helpers spin until the symbol changes (read
+    // through an atomic reference, as the helpers read it).
     for (Helper helper : {Member(JsonConsumeWhiteSpace{}), Member(JsonElement{})}) {
-        ZKJSONParser parser;
-        CurrentSymbol(parser) = ZK_JSON_SYMBOL_WHITESPACE;
-        ASSERT_TRUE((parser.*Member(JsonAcceptSym{}))(static_cast<Symbol>(24)));
+        ZKJSONParser spinning = Loaded("", 0, ZK_JSON_SYMBOL_WHITESPACE);
         std::atomic<bool> returned{false};
-        std::thread spinner([&] {
-            (parser.*helper)();
-            returned = true;
-        });
+        std::thread spinner([&] { (spinning.*helper)(), returned = true; });
         std::this_thread::sleep_for(std::chrono::milliseconds(100));
         EXPECT_FALSE(returned.load());
-        std::atomic_ref<Symbol>(CurrentSymbol(parser)).store(ZK_JSON_SYMBOL_NONE);
+        std::atomic_ref<Symbol>(spinning.*Member(JsonSymbol{})).store(ZK_JSON_SYMBOL_NONE);
         spinner.join();
-        EXPECT_TRUE(returned.load());
     }
 }

@@ -6,13 +6,12 @@
 
 #include <zk64/zk64.h>
 
-#include <chrono>
 #include <cstdint>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
 #include <string>
 #include <vector>
+
+#include "files/TempFiles.h"
 
 namespace pe {
 
@@ -197,31 +196,11 @@ inline Section ExportSection(Image& image, std::uint32_t rva, std::string const&
     return Section{".edata", rva, raw, 0};
 }
 
-// A file in a fresh temporary directory, removed with the object. The
-// directory's name is unique across processes run at the same time.
-class TempFile {
-public:
-    TempFile(std::string const& name, std::string const& bytes)
-        : directory(std::filesystem::temp_directory_path() /
-                    ("zk64-pe-" + std::to_string(std::chrono::steady_clock::now().time_since_epoch().count()) + "-" +
-                     std::to_string(++Counter())))
-    {
-        std::filesystem::create_directories(directory);
-        path = (directory / name).string();
-        std::ofstream(path, std::ios::binary).write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    }
-    ~TempFile() { std::filesystem::remove_all(directory); }
-    ZKString Path() const { return ZKString(path.c_str()); }
-
-    std::filesystem::path directory;
-    std::string path;
-
-private:
-    static int& Counter()
-    {
-        static int counter = 0;
-        return counter;
-    }
-};
+// Writes `bytes` as `name` in a fresh scratch directory and reads it.
+inline bool Read(ZKPEParser& parser, std::string const& bytes, char const* name = "image.dll")
+{
+    zk64::test::TempDir dir("pe");
+    return parser.ReadPEFile(ZKString(dir.Write(name, bytes).c_str()));
+}
 
 }  // namespace pe
