@@ -1,24 +1,11 @@
 // libFuzzer target: arbitrary bytes as an image file, through ReadPEFile,
 // every getter and both table walks.
 
-#include <cstddef>
-#include <cstdint>
-#include <cstdio>
-#include <filesystem>
-#include <string>
-
-#include <unistd.h>
-
 #include <zk64/zk64.h>
 
-namespace {
+#include "FuzzSupport.h"
 
-std::string const& ImagePath()
-{
-    static std::string const path =
-        (std::filesystem::temp_directory_path() / ("zk64-fuzz-" + std::to_string(getpid()) + ".dll")).string();
-    return path;
-}
+namespace {
 
 void Walk(ZKPEParser& parser)
 {
@@ -52,12 +39,8 @@ void Walk(ZKPEParser& parser)
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size)
 {
-    std::FILE* file = std::fopen(ImagePath().c_str(), "wb");
-    if (file == nullptr) return 0;
-    std::fwrite(data, 1, size, file);
-    std::fclose(file);
     ZKPEParser parser;
-    parser.ReadPEFile(ZKString(ImagePath().c_str()));
+    parser.ReadPEFile(ZKString(zk64::fuzz::ScratchFile(data, size, ".dll").c_str()));
     Walk(parser);
     return 0;
 }
