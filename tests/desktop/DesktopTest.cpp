@@ -11,22 +11,15 @@
 
 TEST(MessageNames, NamesTheFirstRowAndNumbersTheRest)
 {
-    std::pair<unsigned long, char const*> const table[] = {
-        {0x0000, "WM_NULL"},
-        {0x0004, "Unknown Windows message: 4"},
-        {0x0100, "WM_KEYDOWN"},     // before WM_KEYFIRST, of the same number
-        {0x020A, "WM_MOUSEWHEEL"},  // behind WM_MOUSELAST's row, found all the same
-        {0x020E, "WM_MOUSELAST"},
-        {0x0400, "Unknown Windows message: 1024"},  // no WM_USER row
-        {0x04C8, "CDM_LAST"},
-        {0x04DE, "EM_SETSCROLLPOS"},
-        {0x1000, "LVM_FIRST"},
-        {0x8000, "WM_APP"},
-        {0xCCCD, "WM_RASDIALEVENT"},
-        {0xCCCE, "Unknown Windows message: 52430"},
-        {0xFFFFFFFF, "Unknown Windows message: -1"},
-    };
-    for (auto const& [number, name] : table) EXPECT_EQ(std::string(GetWindowsMessageIDStr(number).GetString()), name);
+    // The first row of a number names it (WM_KEYDOWN before WM_KEYFIRST), rows behind another of the same
+    // number are found all the same (WM_MOUSEWHEEL), and there is no WM_USER row.
+    std::string names;
+    for (unsigned long number : {0x0ul, 0x4ul, 0x100ul, 0x20Aul, 0x20Eul, 0x400ul, 0x4C8ul, 0x4DEul, 0x1000ul, 0x8000ul,
+                                 0xCCCDul, 0xCCCEul, 0xFFFFFFFFul})
+        names += std::string(GetWindowsMessageIDStr(number).GetString()) + "|";
+    EXPECT_EQ(names, "WM_NULL|Unknown Windows message: 4|WM_KEYDOWN|WM_MOUSEWHEEL|WM_MOUSELAST|"
+                     "Unknown Windows message: 1024|CDM_LAST|EM_SETSCROLLPOS|LVM_FIRST|WM_APP|WM_RASDIALEVENT|"
+                     "Unknown Windows message: 52430|Unknown Windows message: -1|");
 }
 
 TEST(Windows, AWindowThatDoesNotExistGivesFailureValues)

@@ -30,33 +30,27 @@ std::vector<HWND> Items(ZKContainer<HWND__*> const& list)
     return items;
 }
 
-class WindowSystem : public ::testing::Test {
-protected:
-    void TearDown() override
-    {
-        for (auto it = windows.rbegin(); it != windows.rend(); ++it) DestroyWindow(*it);
-    }
-    HWND Make(DWORD style, DWORD extended, HWND owner = nullptr, char const* title = "", HICON icon = nullptr)
-    {
-        WNDCLASSA kind{0,    DefWindowProcA, 0,       0,       GetModuleHandleA(nullptr),
-                       icon, nullptr,        nullptr, nullptr, icon ? "zk64-icon" : "zk64-plain"};
-        RegisterClassA(&kind);
-        windows.push_back(CreateWindowExA(extended, kind.lpszClassName, title, style, 100, 120, 300, 200, owner,
-                                          nullptr, GetModuleHandleA(nullptr), nullptr));
-        EXPECT_NE(windows.back(), nullptr);
-        return windows.back();
-    }
-    std::vector<HWND> windows;
-};
+// A window of the given styles, of a class with `icon` (or none); the process's exit destroys them.
+HWND Make(DWORD style, DWORD extended, HWND owner = nullptr, char const* title = "", HICON icon = nullptr)
+{
+    WNDCLASSA kind{0,    DefWindowProcA, 0,       0,       GetModuleHandleA(nullptr),
+                   icon, nullptr,        nullptr, nullptr, icon ? "zk64-icon" : "zk64-plain"};
+    RegisterClassA(&kind);
+    HWND const window = CreateWindowExA(extended, kind.lpszClassName, title, style, 100, 120, 300, 200, owner, nullptr,
+                                        GetModuleHandleA(nullptr), nullptr);
+    EXPECT_NE(window, nullptr);
+    return window;
+}
 
 }  // namespace
 
-TEST_F(WindowSystem, FamilyListsAndAltTabRule)
+TEST(WindowSystem, FamilyListsAltTabRuleNamesAndIcons)
 {
-    HWND const unowned = Make(WS_OVERLAPPEDWINDOW, 0);
+    HWND const unowned = Make(WS_OVERLAPPEDWINDOW, 0, nullptr, std::string(600, 't').c_str());
     HWND const owned = Make(WS_POPUP, 0, unowned);
     HWND const ownedApp = Make(WS_POPUP, WS_EX_APPWINDOW, unowned);
-    HWND const tool = Make(WS_OVERLAPPEDWINDOW, WS_EX_TOOLWINDOW);
+    HWND const tool = Make(WS_OVERLAPPEDWINDOW, WS_EX_TOOLWINDOW, nullptr, "",
+                           LoadIconA(nullptr, reinterpret_cast<char const*>(IDI_APPLICATION)));
     HWND const child = Make(WS_CHILD, 0, unowned);
     EXPECT_EQ((std::vector<bool>{IsAltTabWindow(unowned), IsAltTabWindow(owned), IsAltTabWindow(ownedApp),
                                  IsAltTabWindow(tool)}),
@@ -79,29 +73,19 @@ TEST_F(WindowSystem, FamilyListsAndAltTabRule)
         EXPECT_EQ(std::count(own.begin(), own.end(), window), 2) << "once per call";
     EXPECT_EQ(GetProcessOwnerHWND(GetCurrentProcessID()),
               *std::find_if(own.begin(), own.end(), [](HWND w) { return GetWindow(w, GW_OWNER) == nullptr; }));
+
+    EXPECT_TRUE(GetHWNDClassName(unowned) == "zk64-plain" && GetWindowTitleText(tool) == "");
+    EXPECT_TRUE(GetWindowTitleText(unowned) == ZKString(std::string(511, 't').c_str())) << "cut at 511";
+    EXPECT_EQ(GetWindowIcon(unowned), nullptr) << "no icon anywhere";
+    EXPECT_EQ(GetWindowIcon(tool), reinterpret_cast<HICON__*>(GetClassLongPtrA(tool, GCLP_HICON)));
 }
 
-TEST_F(WindowSystem, NamesTitlesIconsPlacementAndStacking)
+TEST(WindowSystem, PlacementAndStacking)
 {
-    std::string const longTitle(600, 't');
-    HWND const window = Make(WS_OVERLAPPEDWINDOW, 0, nullptr, longTitle.c_str());
-    HWND const classIcon =
-        Make(WS_OVERLAPPEDWINDOW, 0, nullptr, "", LoadIconA(nullptr, reinterpret_cast<char const*>(IDI_APPLICATION)));
-    EXPECT_TRUE(GetHWNDClassName(window) == "zk64-plain" && GetWindowTitleText(classIcon) == "");
-    EXPECT_TRUE(GetWindowTitleText(window) == ZKString(longTitle.substr(0, 511).c_str())) << "cut at 511";
-    EXPECT_EQ(GetWindowIcon(window), nullptr) << "no icon anywhere";
-    EXPECT_EQ(GetWindowIcon(classIcon), reinterpret_cast<HICON__*>(GetClassLongPtrA(classIcon, GCLP_HICON)));
-    BYTE andMask[128], xorMask[128] = {};
-    std::fill(std::begin(andMask), std::end(andMask), BYTE{0xFF});
-    HICON const small = CreateIcon(GetModuleHandleA(nullptr), 32, 32, 1, 1, andMask, xorMask);
-    SendMessageA(window, WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(small));
-    EXPECT_EQ(GetWindowIcon(window), small);
-
+    HWND const window = Make(WS_OVERLAPPEDWINDOW, 0);
     ShowWindow(window);
-    EXPECT_TRUE(IsWindowVisible(window) && SetWindowPosSize(window, {100, 120, 300, 200}));
-    EXPECT_TRUE(SetWindowPosX(window, 50) && SetWindowPosY(window, 60) && SetWindowWidth(window, 250) &&
-                SetWindowHeight(window, 150));
-    EXPECT_TRUE(GetWindowPosSize(window) == __ZKRect<int>(50, 60, 250, 150));
+    EXPECT_TRUE(IsWindowVisible(window) && SetWindowPosX(window, 50) && SetWindowPosY(window, 60) &&
+                SetWindowWidth(window, 250) && SetWindowHeight(window, 150));
     MinimizeWindow(window);
     EXPECT_TRUE(IsWindowMinimized(window) && GetWindowPosSize(window) == __ZKRect<int>(50, 60, 250, 150));
     ShowWindow(window);
@@ -125,7 +109,4 @@ TEST_F(WindowSystem, NamesTitlesIconsPlacementAndStacking)
     HideWindow(window);
     EXPECT_FALSE(IsWindowVisible(window) || IsWindowUniversalWindowsPlatform(window) ||
                  IsInvisibleWin10BackgroundAppWindow(window));
-    DestroyWindow(window);
-    windows.erase(windows.begin());
-    DestroyIcon(small);
 }
