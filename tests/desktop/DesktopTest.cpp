@@ -7,6 +7,7 @@
 #include <zk64/zk64.h>
 
 #include <cstdint>
+#include <initializer_list>
 #include <string>
 
 TEST(MessageNames, NamesTheFirstRowAndNumbersTheRest)
@@ -27,26 +28,24 @@ TEST(Windows, AWindowThatDoesNotExistGivesFailureValues)
     HWND__* const none = reinterpret_cast<HWND__*>(std::uintptr_t{0x12345678});
     ZKContainer<HWND__*> out;
     EXPECT_FALSE(GetChildWindows(none, out) || GetProcessHWNDS(ProcessHandle{}, out) || GetProcessHWNDS(0ul, out) ||
-                 GetProcessHWNDS(ZKString("no such process.exe"), out));
-    EXPECT_EQ(GetProcessOwnerHWND(ZKString("no such process.exe")), nullptr);
-    for (HWND__* got :
-         {GetParentOrOwnerHWND(none), GetParentNotOwnerHWND(none), GetOwnerHWND(none), GetChildHWND(none),
-          reinterpret_cast<HWND__*>(HwndToHInstance(none)), reinterpret_cast<HWND__*>(GetWindowIcon(none)),
-          GetProcessOwnerHWND(ProcessHandle{}), GetProcessOwnerHWND(0ul)})
+                 GetProcessHWNDS(ZKString("no such process.exe"), out) || IsWindowMinimized(none) ||
+                 IsWindowMaximized(none) || IsInvisibleWin10BackgroundAppWindow(none) ||
+                 SetWindowPosSize(none, {1, 2, 3, 4}) || SetWindowPosX(none, 1) || SetWindowHeight(none, 1));
+    for (void const* got : std::initializer_list<void const*>{
+             GetParentOrOwnerHWND(none), GetParentNotOwnerHWND(none), GetOwnerHWND(none), GetChildHWND(none),
+             HwndToHInstance(none), GetWindowIcon(none), GetProcessOwnerHWND(ProcessHandle{}), GetProcessOwnerHWND(0ul),
+             GetProcessOwnerHWND(ZKString("no such process.exe"))})
         EXPECT_EQ(got, nullptr);
-    EXPECT_TRUE(out.IsContainerEmpty() && GetHWNDClassName(none) == "" && GetWindowTitleText(none) == "");
-    EXPECT_FALSE(IsWindowMinimized(none) || IsWindowMaximized(none) || IsInvisibleWin10BackgroundAppWindow(none));
-    EXPECT_TRUE(GetWindowPosSize(none) == __ZKRect<int>(0, 0, 0, 0));
-    EXPECT_FALSE(SetWindowPosSize(none, {1, 2, 3, 4}) || SetWindowPosX(none, 1) || SetWindowHeight(none, 1));
     tagRECT const border = GetExtendedWindowsBorder(none);
-    EXPECT_EQ(border.left | border.top | border.right | border.bottom, 0);
+    EXPECT_TRUE(out.IsContainerEmpty() && GetHWNDClassName(none) == "" && GetWindowTitleText(none) == "" &&
+                GetWindowPosSize(none) == __ZKRect<int>(0, 0, 0, 0) &&
+                (border.left | border.top | border.right | border.bottom) == 0);
 #if !defined(_WIN32)
-    EXPECT_FALSE(IsAltTabWindow(none) || RegisterRawInput());
-    EXPECT_TRUE(GetDesktopHWND() == nullptr && GetCurrentDesktopHWNDS(out) &&
-                GetProcessHWNDS(GetCurrentProcessID(), out));
-    EXPECT_TRUE(out.IsContainerEmpty()) << "no desktop, no window";
     SendMouseMoveMsg(1, -1);
-    EXPECT_EQ(RegisterSystemWideMessageID("ZK64.LinuxMessage"), 0u);
+    EXPECT_FALSE(IsAltTabWindow(none) || RegisterRawInput() || RegisterSystemWideMessageID("ZK64.LinuxMessage") != 0);
+    EXPECT_TRUE(GetDesktopHWND() == nullptr && GetCurrentDesktopHWNDS(out) &&
+                GetProcessHWNDS(GetCurrentProcessID(), out) && out.IsContainerEmpty())
+        << "no desktop, no window";
     EXPECT_TRUE(GetTaskbarInterface() == nullptr && GetCustomJumpListInterface() == nullptr &&
                 GetUserNotificationInterface() == nullptr);
     ReleaseTaskbarInterface();
