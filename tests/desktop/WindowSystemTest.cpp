@@ -75,25 +75,26 @@ TEST(WindowSystem, RealWindowsThroughEveryOperation)
                 GetWindowTitleText(unowned) == ZKString(std::string(511, 't').c_str()));
     EXPECT_EQ(GetWindowIcon(tool), reinterpret_cast<HICON__*>(GetClassLongPtrA(tool, GCLP_HICON)));
 
-    MinimizeWindow(unowned);
-    ShowWindow(unowned);
-    EXPECT_TRUE(IsWindowVisible(unowned) && !IsWindowMinimized(unowned)) << "restored before being shown";
-    EXPECT_TRUE(SetWindowPosX(unowned, 50) && SetWindowPosY(unowned, 60) && SetWindowWidth(unowned, 250) &&
-                SetWindowHeight(unowned, 150));
-    MaximizeWindow(unowned);
+    HWND const window = Make(WS_OVERLAPPEDWINDOW, 0);  // of its own: no owned or child windows
+    MinimizeWindow(window);
+    ShowWindow(window);
+    EXPECT_TRUE(IsWindowVisible(window) && !IsWindowMinimized(window)) << "restored before being shown";
+    EXPECT_TRUE(SetWindowPosX(window, 50) && SetWindowPosY(window, 60) && SetWindowWidth(window, 250) &&
+                SetWindowHeight(window, 150));
+    MaximizeWindow(window);
     MONITORINFO monitor{sizeof monitor, {}, {}, 0};
-    GetMonitorInfoA(MonitorFromWindow(unowned, MONITOR_DEFAULTTONEAREST), &monitor);
+    GetMonitorInfoA(MonitorFromWindow(window, MONITOR_DEFAULTTONEAREST), &monitor);
     RECT const& work = monitor.rcWork;
-    EXPECT_TRUE(IsWindowMaximized(unowned) &&
-                GetWindowPosSize(unowned) ==
+    EXPECT_TRUE(IsWindowMaximized(window) &&
+                GetWindowPosSize(window) ==
                     __ZKRect<int>(work.left, work.top, work.right - work.left, work.bottom - work.top));
-    RestoreWindow(unowned);
-    MinimizeWindow(unowned);
-    EXPECT_TRUE(IsWindowMinimized(unowned) && GetWindowPosSize(unowned) == __ZKRect<int>(50, 60, 250, 150));
-    MoveWindowAlwaysOnTop(unowned);
-    EXPECT_TRUE(!IsWindowMinimized(unowned) && (GetWindowLongPtrA(unowned, GWL_EXSTYLE) & WS_EX_TOPMOST) != 0);
-    RemoveWindowFromAlwaysOnTop(unowned);
-    HideWindow(unowned);
-    EXPECT_FALSE(IsWindowVisible(unowned) || (GetWindowLongPtrA(unowned, GWL_EXSTYLE) & WS_EX_TOPMOST) != 0 ||
-                 IsWindowUniversalWindowsPlatform(unowned) || IsInvisibleWin10BackgroundAppWindow(unowned));
+    RestoreWindow(window);
+    MinimizeWindow(window);
+    EXPECT_TRUE(IsWindowMinimized(window) && GetWindowPosSize(window) == __ZKRect<int>(50, 60, 250, 150));
+    MoveWindowAlwaysOnTop(window);
+    EXPECT_TRUE(!IsWindowMinimized(window) && (GetWindowLongPtrA(window, GWL_EXSTYLE) & WS_EX_TOPMOST) != 0);
+    RemoveWindowFromAlwaysOnTop(window);
+    HideWindow(window);
+    EXPECT_FALSE(IsWindowVisible(window) || (GetWindowLongPtrA(window, GWL_EXSTYLE) & WS_EX_TOPMOST) != 0 ||
+                 IsWindowUniversalWindowsPlatform(window) || IsInvisibleWin10BackgroundAppWindow(window));
 }
