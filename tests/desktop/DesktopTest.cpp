@@ -7,26 +7,20 @@
 #include <zk64/zk64.h>
 
 #include <cstdint>
+#include <initializer_list>
 #include <string>
 
 TEST(MessageNames, NamesTheFirstRowAndNumbersTheRest)
 {
-    std::pair<unsigned long, char const*> const table[] = {
-        {0x0000, "WM_NULL"},
-        {0x0004, "Unknown Windows message: 4"},
-        {0x0100, "WM_KEYDOWN"},     // before WM_KEYFIRST, of the same number
-        {0x020A, "WM_MOUSEWHEEL"},  // behind WM_MOUSELAST's row, found all the same
-        {0x020E, "WM_MOUSELAST"},
-        {0x0400, "Unknown Windows message: 1024"},  // no WM_USER row
-        {0x04C8, "CDM_LAST"},
-        {0x04DE, "EM_SETSCROLLPOS"},
-        {0x1000, "LVM_FIRST"},
-        {0x8000, "WM_APP"},
-        {0xCCCD, "WM_RASDIALEVENT"},
-        {0xCCCE, "Unknown Windows message: 52430"},
-        {0xFFFFFFFF, "Unknown Windows message: -1"},
-    };
-    for (auto const& [number, name] : table) EXPECT_EQ(std::string(GetWindowsMessageIDStr(number).GetString()), name);
+    // The first row of a number names it (WM_KEYDOWN before WM_KEYFIRST), rows behind another of the same
+    // number are found all the same (WM_MOUSEWHEEL), and there is no WM_USER row.
+    std::string names;
+    for (unsigned long number : {0x0ul, 0x4ul, 0x100ul, 0x20Aul, 0x20Eul, 0x400ul, 0x4C8ul, 0x4DEul, 0x1000ul, 0x8000ul,
+                                 0xCCCDul, 0xCCCEul, 0xFFFFFFFFul})
+        names += std::string(GetWindowsMessageIDStr(number).GetString()) + "|";
+    EXPECT_EQ(names, "WM_NULL|Unknown Windows message: 4|WM_KEYDOWN|WM_MOUSEWHEEL|WM_MOUSELAST|"
+                     "Unknown Windows message: 1024|CDM_LAST|EM_SETSCROLLPOS|LVM_FIRST|WM_APP|WM_RASDIALEVENT|"
+                     "Unknown Windows message: 52430|Unknown Windows message: -1|");
 }
 
 TEST(Windows, AWindowThatDoesNotExistGivesFailureValues)
@@ -34,26 +28,24 @@ TEST(Windows, AWindowThatDoesNotExistGivesFailureValues)
     HWND__* const none = reinterpret_cast<HWND__*>(std::uintptr_t{0x12345678});
     ZKContainer<HWND__*> out;
     EXPECT_FALSE(GetChildWindows(none, out) || GetProcessHWNDS(ProcessHandle{}, out) || GetProcessHWNDS(0ul, out) ||
-                 GetProcessHWNDS(ZKString("no such process.exe"), out));
-    EXPECT_EQ(GetProcessOwnerHWND(ZKString("no such process.exe")), nullptr);
-    for (HWND__* got :
-         {GetParentOrOwnerHWND(none), GetParentNotOwnerHWND(none), GetOwnerHWND(none), GetChildHWND(none),
-          reinterpret_cast<HWND__*>(HwndToHInstance(none)), reinterpret_cast<HWND__*>(GetWindowIcon(none)),
-          GetProcessOwnerHWND(ProcessHandle{}), GetProcessOwnerHWND(0ul)})
+                 GetProcessHWNDS(ZKString("no such process.exe"), out) || IsWindowMinimized(none) ||
+                 IsWindowMaximized(none) || IsInvisibleWin10BackgroundAppWindow(none) ||
+                 SetWindowPosSize(none, {1, 2, 3, 4}) || SetWindowPosX(none, 1) || SetWindowHeight(none, 1));
+    for (void const* got : std::initializer_list<void const*>{
+             GetParentOrOwnerHWND(none), GetParentNotOwnerHWND(none), GetOwnerHWND(none), GetChildHWND(none),
+             HwndToHInstance(none), GetWindowIcon(none), GetProcessOwnerHWND(ProcessHandle{}), GetProcessOwnerHWND(0ul),
+             GetProcessOwnerHWND(ZKString("no such process.exe"))})
         EXPECT_EQ(got, nullptr);
-    EXPECT_TRUE(out.IsContainerEmpty() && GetHWNDClassName(none) == "" && GetWindowTitleText(none) == "");
-    EXPECT_FALSE(IsWindowMinimized(none) || IsWindowMaximized(none) || IsInvisibleWin10BackgroundAppWindow(none));
-    EXPECT_TRUE(GetWindowPosSize(none) == __ZKRect<int>(0, 0, 0, 0));
-    EXPECT_FALSE(SetWindowPosSize(none, {1, 2, 3, 4}) || SetWindowPosX(none, 1) || SetWindowHeight(none, 1));
     tagRECT const border = GetExtendedWindowsBorder(none);
-    EXPECT_EQ(border.left | border.top | border.right | border.bottom, 0);
+    EXPECT_TRUE(out.IsContainerEmpty() && GetHWNDClassName(none) == "" && GetWindowTitleText(none) == "" &&
+                GetWindowPosSize(none) == __ZKRect<int>(0, 0, 0, 0) &&
+                (border.left | border.top | border.right | border.bottom) == 0);
 #if !defined(_WIN32)
-    EXPECT_FALSE(IsAltTabWindow(none) || RegisterRawInput());
-    EXPECT_TRUE(GetDesktopHWND() == nullptr && GetCurrentDesktopHWNDS(out) &&
-                GetProcessHWNDS(GetCurrentProcessID(), out));
-    EXPECT_TRUE(out.IsContainerEmpty()) << "no desktop, no window";
     SendMouseMoveMsg(1, -1);
-    EXPECT_EQ(RegisterSystemWideMessageID("ZK64.LinuxMessage"), 0u);
+    EXPECT_FALSE(IsAltTabWindow(none) || RegisterRawInput() || RegisterSystemWideMessageID("ZK64.LinuxMessage") != 0);
+    EXPECT_TRUE(GetDesktopHWND() == nullptr && GetCurrentDesktopHWNDS(out) &&
+                GetProcessHWNDS(GetCurrentProcessID(), out) && out.IsContainerEmpty())
+        << "no desktop, no window";
     EXPECT_TRUE(GetTaskbarInterface() == nullptr && GetCustomJumpListInterface() == nullptr &&
                 GetUserNotificationInterface() == nullptr);
     ReleaseTaskbarInterface();

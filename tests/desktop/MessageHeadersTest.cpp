@@ -42,36 +42,26 @@ Definitions ReadDefinitions(std::filesystem::path const& directory)
     return definitions;
 }
 
-// The values of `name`: sums and differences of numbers and names with one
-// value each. Anything else (casts, shifts, macro calls) has none.
+// The values of `name`: a number, another name, or a name plus a number (the
+// only forms of the message constants). Anything else has none.
 std::set<long long> Values(Definitions const& definitions, std::string const& name, int depth = 0)
 {
     std::set<long long> values;
     auto const found = definitions.find(name);
     if (found == definitions.end() || depth > 16) return values;
     for (std::string const& text : found->second) {
-        long long total = 0;
-        bool valid = true;
-        for (std::size_t at = 0; valid && at < text.size();) {
-            long long const sign = text[at] == '-' ? -1 : 1;
-            if (at > 0 || text[at] == '-') ++at;  // the operator before each term
-            std::size_t end = at;
-            while (end < text.size() && (std::isalnum(static_cast<unsigned char>(text[end])) || text[end] == '_'))
-                ++end;
-            std::string const term = text.substr(at, end - at);
-            valid = !term.empty() && (end == text.size() || text[end] == '+' || text[end] == '-');
-            if (valid && std::isdigit(static_cast<unsigned char>(term[0]))) {
-                char* rest = nullptr;
-                total += sign * std::strtoll(term.c_str(), &rest, 0);
-                valid = std::string(rest).find_first_not_of("uUlL") == std::string::npos;
-            } else if (valid) {
-                std::set<long long> const inner = Values(definitions, term, depth + 1);
-                valid = inner.size() == 1;
-                if (valid) total += sign * *inner.begin();
-            }
-            at = end;
+        std::size_t const plus = text.find('+');
+        std::string const last = text.substr(plus + 1);  // the whole text without a plus
+        char* rest = nullptr;
+        long long const number = std::strtoll(last.c_str(), &rest, 0);
+        bool const isNumber = std::isdigit(static_cast<unsigned char>(last[0])) &&
+                              std::string(rest).find_first_not_of("uUlL") == std::string::npos;
+        if (plus == std::string::npos && isNumber) {
+            values.insert(number);
+            continue;
         }
-        if (valid) values.insert(total);
+        std::set<long long> const base = Values(definitions, text.substr(0, plus), depth + 1);
+        if (base.size() == 1 && (plus == std::string::npos || isNumber)) values.insert(*base.begin() + number);
     }
     return values;
 }

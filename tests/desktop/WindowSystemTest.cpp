@@ -30,102 +30,71 @@ std::vector<HWND> Items(ZKContainer<HWND__*> const& list)
     return items;
 }
 
-class WindowSystem : public ::testing::Test {
-protected:
-    void TearDown() override
-    {
-        for (auto it = windows.rbegin(); it != windows.rend(); ++it) DestroyWindow(*it);
-    }
-    HWND Make(DWORD style, DWORD extended, HWND owner = nullptr, char const* title = "", HICON icon = nullptr)
-    {
-        WNDCLASSA kind{0,    DefWindowProcA, 0,       0,       GetModuleHandleA(nullptr),
-                       icon, nullptr,        nullptr, nullptr, icon ? "zk64-icon" : "zk64-plain"};
-        RegisterClassA(&kind);
-        windows.push_back(CreateWindowExA(extended, kind.lpszClassName, title, style, 100, 120, 300, 200, owner,
-                                          nullptr, GetModuleHandleA(nullptr), nullptr));
-        EXPECT_NE(windows.back(), nullptr);
-        return windows.back();
-    }
-    std::vector<HWND> windows;
-};
+// A window of the given styles, of a class with `icon` (or none); the process's exit destroys them.
+HWND Make(DWORD style, DWORD extended, HWND owner = nullptr, char const* title = "", HICON icon = nullptr)
+{
+    WNDCLASSA kind{0,    DefWindowProcA, 0,       0,       GetModuleHandleA(nullptr),
+                   icon, nullptr,        nullptr, nullptr, icon ? "zk64-icon" : "zk64-plain"};
+    RegisterClassA(&kind);
+    HWND const window = CreateWindowExA(extended, kind.lpszClassName, title, style, 100, 120, 300, 200, owner, nullptr,
+                                        GetModuleHandleA(nullptr), nullptr);
+    EXPECT_NE(window, nullptr);
+    return window;
+}
 
 }  // namespace
 
-TEST_F(WindowSystem, FamilyListsAndAltTabRule)
+TEST(WindowSystem, RealWindowsThroughEveryOperation)
 {
-    HWND const unowned = Make(WS_OVERLAPPEDWINDOW, 0);
+    HWND const unowned = Make(WS_OVERLAPPEDWINDOW, 0, nullptr, std::string(600, 't').c_str());
     HWND const owned = Make(WS_POPUP, 0, unowned);
     HWND const ownedApp = Make(WS_POPUP, WS_EX_APPWINDOW, unowned);
-    HWND const tool = Make(WS_OVERLAPPEDWINDOW, WS_EX_TOOLWINDOW);
+    HWND const tool = Make(WS_OVERLAPPEDWINDOW, WS_EX_TOOLWINDOW, nullptr, "",
+                           LoadIconA(nullptr, reinterpret_cast<char const*>(IDI_APPLICATION)));
     HWND const child = Make(WS_CHILD, 0, unowned);
     EXPECT_EQ((std::vector<bool>{IsAltTabWindow(unowned), IsAltTabWindow(owned), IsAltTabWindow(ownedApp),
                                  IsAltTabWindow(tool)}),
               (std::vector<bool>{true, false, true, false}));
-    EXPECT_EQ((std::vector<HWND>{GetDesktopHWND(), GetOwnerHWND(owned), GetOwnerHWND(unowned),
-                                 GetParentOrOwnerHWND(owned), GetParentOrOwnerHWND(child), GetParentNotOwnerHWND(owned),
-                                 GetParentNotOwnerHWND(child), GetChildHWND(unowned)}),
-              (std::vector<HWND>{GetDesktopWindow(), unowned, nullptr, unowned, unowned, GetDesktopWindow(), unowned,
-                                 child}));
-    EXPECT_EQ(HwndToHInstance(owned), reinterpret_cast<HINSTANCE__*>(GetModuleHandleA(nullptr)));
+    EXPECT_EQ((std::vector<void const*>{GetDesktopHWND(), GetOwnerHWND(owned), GetParentOrOwnerHWND(child),
+                                        GetParentNotOwnerHWND(owned), GetChildHWND(unowned), HwndToHInstance(owned),
+                                        GetWindowIcon(unowned)}),
+              (std::vector<void const*>{GetDesktopWindow(), unowned, unowned, GetDesktopWindow(), child,
+                                        GetModuleHandleA(nullptr), nullptr}));
     ZKContainer<HWND__*> children, desktop, mine;
-    EXPECT_TRUE(GetChildWindows(unowned, children) && GetCurrentDesktopHWNDS(desktop));
+    EXPECT_TRUE(GetChildWindows(unowned, children) && GetCurrentDesktopHWNDS(desktop) &&
+                GetProcessHWNDS(GetCurrentProcessID(), mine) && GetProcessHWNDS(GetCurrentProcessHandle(), mine));
     EXPECT_EQ(Items(children), std::vector<HWND>{child});
-    std::vector<HWND> const listed = Items(desktop);
-    for (HWND window : {unowned, owned, tool, child})
+    std::vector<HWND> const listed = Items(desktop), own = Items(mine);
+    for (HWND window : {unowned, owned, tool, child}) {
         EXPECT_EQ(std::count(listed.begin(), listed.end(), window), window != child) << "top-level windows only";
-    EXPECT_TRUE(GetProcessHWNDS(GetCurrentProcessID(), mine) && GetProcessHWNDS(GetCurrentProcessHandle(), mine));
-    std::vector<HWND> const own = Items(mine);
-    for (HWND window : {unowned, owned, tool})
-        EXPECT_EQ(std::count(own.begin(), own.end(), window), 2) << "once per call";
+        EXPECT_EQ(std::count(own.begin(), own.end(), window), 2 * (window != child)) << "once per call";
+    }
     EXPECT_EQ(GetProcessOwnerHWND(GetCurrentProcessID()),
               *std::find_if(own.begin(), own.end(), [](HWND w) { return GetWindow(w, GW_OWNER) == nullptr; }));
-}
+    EXPECT_TRUE(GetHWNDClassName(unowned) == "zk64-plain" &&
+                GetWindowTitleText(unowned) == ZKString(std::string(511, 't').c_str()));
+    EXPECT_EQ(GetWindowIcon(tool), reinterpret_cast<HICON__*>(GetClassLongPtrA(tool, GCLP_HICON)));
 
-TEST_F(WindowSystem, NamesTitlesIconsPlacementAndStacking)
-{
-    std::string const longTitle(600, 't');
-    HWND const window = Make(WS_OVERLAPPEDWINDOW, 0, nullptr, longTitle.c_str());
-    HWND const classIcon =
-        Make(WS_OVERLAPPEDWINDOW, 0, nullptr, "", LoadIconA(nullptr, reinterpret_cast<char const*>(IDI_APPLICATION)));
-    EXPECT_TRUE(GetHWNDClassName(window) == "zk64-plain" && GetWindowTitleText(classIcon) == "");
-    EXPECT_TRUE(GetWindowTitleText(window) == ZKString(longTitle.substr(0, 511).c_str())) << "cut at 511";
-    EXPECT_EQ(GetWindowIcon(window), nullptr) << "no icon anywhere";
-    EXPECT_EQ(GetWindowIcon(classIcon), reinterpret_cast<HICON__*>(GetClassLongPtrA(classIcon, GCLP_HICON)));
-    BYTE andMask[128], xorMask[128] = {};
-    std::fill(std::begin(andMask), std::end(andMask), BYTE{0xFF});
-    HICON const small = CreateIcon(GetModuleHandleA(nullptr), 32, 32, 1, 1, andMask, xorMask);
-    SendMessageA(window, WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(small));
-    EXPECT_EQ(GetWindowIcon(window), small);
-
+    HWND const window = Make(WS_OVERLAPPEDWINDOW, 0);  // of its own: no owned or child windows
+    MinimizeWindow(window);
     ShowWindow(window);
-    EXPECT_TRUE(IsWindowVisible(window) && SetWindowPosSize(window, {100, 120, 300, 200}));
+    EXPECT_TRUE(IsWindowVisible(window) && !IsWindowMinimized(window)) << "restored before being shown";
     EXPECT_TRUE(SetWindowPosX(window, 50) && SetWindowPosY(window, 60) && SetWindowWidth(window, 250) &&
                 SetWindowHeight(window, 150));
-    EXPECT_TRUE(GetWindowPosSize(window) == __ZKRect<int>(50, 60, 250, 150));
-    MinimizeWindow(window);
-    EXPECT_TRUE(IsWindowMinimized(window) && GetWindowPosSize(window) == __ZKRect<int>(50, 60, 250, 150));
-    ShowWindow(window);
-    EXPECT_FALSE(IsWindowMinimized(window)) << "restored before being shown";
     MaximizeWindow(window);
     MONITORINFO monitor{sizeof monitor, {}, {}, 0};
-    ASSERT_TRUE(GetMonitorInfoA(MonitorFromWindow(window, MONITOR_DEFAULTTONEAREST), &monitor));
+    GetMonitorInfoA(MonitorFromWindow(window, MONITOR_DEFAULTTONEAREST), &monitor);
     RECT const& work = monitor.rcWork;
     EXPECT_TRUE(IsWindowMaximized(window) &&
                 GetWindowPosSize(window) ==
-                    __ZKRect<int>(work.left, work.top, work.right - work.left, work.bottom - work.top))
-        << "the work area";
+                    __ZKRect<int>(work.left, work.top, work.right - work.left, work.bottom - work.top));
     RestoreWindow(window);
-    EXPECT_FALSE(IsWindowMaximized(window));
     MinimizeWindow(window);
+    EXPECT_TRUE(IsWindowMinimized(window) && GetWindowPosSize(window) == __ZKRect<int>(50, 60, 250, 150));
     MoveWindowAlwaysOnTop(window);
-    EXPECT_FALSE(IsWindowMinimized(window)) << "moving to the front restores";
-    EXPECT_NE(GetWindowLongPtrA(window, GWL_EXSTYLE) & WS_EX_TOPMOST, 0);
+    EXPECT_TRUE(!IsWindowMinimized(window) && (GetWindowLongPtrA(window, GWL_EXSTYLE) & WS_EX_TOPMOST) != 0);
     RemoveWindowFromAlwaysOnTop(window);
-    EXPECT_EQ(GetWindowLongPtrA(window, GWL_EXSTYLE) & WS_EX_TOPMOST, 0);
     HideWindow(window);
-    EXPECT_FALSE(IsWindowVisible(window) || IsWindowUniversalWindowsPlatform(window) ||
-                 IsInvisibleWin10BackgroundAppWindow(window));
-    DestroyWindow(window);
-    windows.erase(windows.begin());
-    DestroyIcon(small);
+    EXPECT_FALSE(IsWindowVisible(window) || (GetWindowLongPtrA(window, GWL_EXSTYLE) & WS_EX_TOPMOST) != 0 ||
+                 IsWindowUniversalWindowsPlatform(window) || IsInvisibleWin10BackgroundAppWindow(window));
 }
