@@ -6,7 +6,6 @@
 #include <zk64/zk64.h>
 
 #include <cstring>
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -21,33 +20,32 @@ using Wide = std::basic_string<WCHAR>;
 
 Wide WideOf(std::string const& text) { return Wide(text.begin(), text.end()); }
 
-using NameScript = std::function<LONG32(HANDLE, UINT32*, WCHAR*)>;
-
 // A name query that knows `text`: the length query answers `first` with the
-// length of the text and its terminator; a read copies as much as fits.
-NameScript AnswerName(std::string const& text, LONG32 first)
+// length of the text and its terminator (0 for no text); a read copies the
+// text's units as far as they fit, never the terminator.
+auto AnswerName(std::string const& text, LONG32 first)
 {
-    return [text, first](HANDLE, UINT32* length, WCHAR* buffer) -> LONG32 {
-        Wide const wide = WideOf(text);
-        if (buffer == nullptr) {
-            *length = static_cast<UINT32>(wide.size() + 1);
-            return first;
-        }
-        std::size_t const fits = std::min<std::size_t>(*length, wide.size() + 1);
-        std::memcpy(buffer, wide.c_str(), fits * sizeof(WCHAR));
-        return 0;
+    return [wide = WideOf(text), first](HANDLE, UINT32* length, WCHAR* buffer) -> LONG32 {
+        if (buffer == nullptr) *length = static_cast<UINT32>(wide.empty() ? 0 : wide.size() + 1);
+        if (buffer != nullptr)
+            std::memcpy(buffer, wide.c_str(), std::min<std::size_t>(*length, wide.size()) * sizeof(WCHAR));
+        return buffer == nullptr ? first : 0;
     };
 }
 
-struct NameForm {
-    char const* call;
-    NameScript platform::fake::PackagesScript::*script;
-    bool (*operation)(ProcessHandle, ZKString&);
-};
-NameForm const kNameForms[] = {
-    {"GetPackageFullName", &fake::PackagesScript::GetPackageFullName, GetProcessPackageFullName},
-    {"GetPackageFamilyName", &fake::PackagesScript::GetPackageFamilyName, GetProcessPackageFamilyName},
-};
+std::string Text(ZKString const& text) { return text.GetString(); }
+
+std::string Fields(ProcessPackageInfo const& out)
+{
+    std::string fields = std::to_string(out.flags);
+    for (ZKString const* text : {&out.path, &out.fullName, &out.familyName}) fields += " " + Text(*text);
+    fields += " " + std::to_string(out.processorArchitecture) + " " + std::to_string(out.version.major) + "." +
+              std::to_string(out.version.minor) + "." + std::to_string(out.version.build) + "." +
+              std::to_string(out.version.revision);
+    for (ZKString const* text : {&out.name, &out.publisher, &out.resourceId, &out.publisherId})
+        fields += " " + Text(*text);
+    return fields;
+}
 
 std::string Query(char const* call, std::string const& length, bool buffer)
 {
@@ -60,183 +58,111 @@ using PackageCalls = FakeTest;
 
 TEST_F(PackageCalls, NamesQueryTheLengthThenReadWithIt)
 {
-    for (NameForm const& form : kNameForms) {
+    struct Form {
+        char const* call;
+        decltype(fake::PackagesScript::GetPackageFullName) fake::PackagesScript::*script;
+        bool (*operation)(ProcessHandle, ZKString&);
+    };
+    for (Form const& form :
+         {Form{"GetPackageFullName", &fake::PackagesScript::GetPackageFullName, GetProcessPackageFullName},
+          Form{"GetPackageFamilyName", &fake::PackagesScript::GetPackageFamilyName, GetProcessPackageFamilyName}}) {
         SCOPED_TRACE(form.call);
-        // Only "no package" refuses; any other first answer is read on.
-        for (LONG32 first : {122, 87, 0}) {
+        for (LONG32 first : {122, 87, 0}) {  // only "no package" refuses
             fake::Packages().*form.script = AnswerName("Pkg_1.0_x64__8wekyb", first);
             ZKString out("old");
-            EXPECT_TRUE(form.operation(kProcess, out));
-            EXPECT_TRUE(out == "Pkg_1.0_x64__8wekyb");
+            EXPECT_TRUE(form.operation(kProcess, out) && out == "Pkg_1.0_x64__8wekyb");
             EXPECT_EQ(fake::TakeCalls(), (Calls{Query(form.call, "0", false), Query(form.call, "20", true)}));
         }
         fake::Packages().*form.script = AnswerName("ignored", platform::kAppModelErrorNoPackage);
         ZKString out("old");
-        EXPECT_FALSE(form.operation(kProcess, out));
+        EXPECT_FALSE(form.operation(kProcess, out) || form.operation(ProcessHandle{}, out));
         EXPECT_TRUE(out == "old");
-        EXPECT_EQ(fake::TakeCalls(), (Calls{Query(form.call, "0", false)}));
-        EXPECT_FALSE(form.operation(ProcessHandle{}, out)) << "a null handle asks nothing";
-        EXPECT_TRUE(fake::TakeCalls().empty());
+        EXPECT_EQ(fake::TakeCalls(), (Calls{Query(form.call, "0", false)})) << "a null handle asks nothing";
         // A length of 0 and a read that writes nothing: found, and empty.
-        fake::Packages().*form.script = [](HANDLE, UINT32* length, WCHAR*) {
-            *length = 0;
-            return 122;
-        };
-        EXPECT_TRUE(form.operation(kProcess, out));
-        EXPECT_TRUE(out.IsEmpty());
-        fake::TakeCalls();
+        fake::Packages().*form.script = AnswerName("", 122);
+        EXPECT_TRUE(form.operation(kProcess, out) && out.IsEmpty());
+        EXPECT_EQ(fake::TakeCalls(), (Calls{Query(form.call, "0", false), Query(form.call, "0", true)}));
     }
-}
-
-TEST_F(PackageCalls, PackagedMeansAFamilyName)
-{
-    fake::Packages().GetPackageFullName = AnswerName("Full", 122);
+    fake::Packages().GetPackageFamilyName = nullptr;
     EXPECT_FALSE(IsProcessUniversalWindowsPlatform(kProcess)) << "a full name alone does not count";
-    EXPECT_EQ(fake::TakeCalls(), (Calls{Query("GetPackageFamilyName", "0", false)}));
     fake::Packages().GetPackageFamilyName = AnswerName("Family", 122);
     EXPECT_TRUE(IsProcessUniversalWindowsPlatform(kProcess));
-    EXPECT_EQ(fake::TakeCalls().size(), 2u);
-    EXPECT_FALSE(IsProcessUniversalWindowsPlatform(ProcessHandle{}));
 
-    // The identifier forms open with query rights and close again.
-    fake::Processes().OpenProcess = [](DWORD, BOOL, DWORD) { return kHandle; };
+    // The identifier forms open with query rights and close again; a process
+    // that does not open gives false.
     ZKString name;
     ProcessPackageInfo info;
-    std::vector<std::function<bool()>> const forms = {
-        [] { return IsProcessUniversalWindowsPlatform(9ul); },
-        [&] { return GetProcessPackageFullName(9ul, name); },
-        [&] { return GetProcessPackageFamilyName(9ul, name); },
-        [&] { return GetProcessPackageInfo(9ul, info); },
+    bool (*const forms[])(ZKString&, ProcessPackageInfo&) = {
+        [](ZKString&, ProcessPackageInfo&) { return IsProcessUniversalWindowsPlatform(9ul); },
+        [](ZKString& text, ProcessPackageInfo&) { return GetProcessPackageFullName(9ul, text); },
+        [](ZKString& text, ProcessPackageInfo&) { return GetProcessPackageFamilyName(9ul, text); },
+        [](ZKString&, ProcessPackageInfo& record) { return GetProcessPackageInfo(9ul, record); },
     };
-    for (auto const& form : forms) {
-        form();
+    for (auto const form : forms) {
+        fake::Processes().OpenProcess = nullptr;
+        EXPECT_FALSE(form(name, info));
+        fake::Processes().OpenProcess = [](DWORD, BOOL, DWORD) { return kHandle; };
+        fake::TakeCalls();
+        form(name, info);
         Calls const calls = fake::TakeCalls();
-        ASSERT_GE(calls.size(), 3u);
         EXPECT_EQ(calls.front(), "OpenProcess(access=0x400, inherit=0, pid=9)");
         EXPECT_EQ(calls.back(), "CloseHandle(handle=0x44)");
     }
 }
 
-namespace {
-
-// A package description as GetPackageInfo lays it out: one record, then
-// its strings.
-struct PackageBuffer {
-    std::vector<unsigned char> bytes;
-
-    PackageBuffer()
-    {
-        std::vector<std::string> const texts = {"C:\\Apps\\Pkg", "Pkg_1.2.3.4_x64__pub", "Pkg_pub", "Pkg",
-                                                "CN=Publisher", "", "pub"};
-        std::size_t size = sizeof(platform::PackageInfo);
-        for (std::string const& text : texts) size += (text.size() + 1) * sizeof(WCHAR);
-        bytes.assign(size, 0);
-        auto* info = reinterpret_cast<platform::PackageInfo*>(bytes.data());
-        WCHAR* strings[7];
-        auto* next = reinterpret_cast<WCHAR*>(bytes.data() + sizeof(platform::PackageInfo));
-        for (std::size_t index = 0; index < texts.size(); ++index) {
-            Wide const wide = WideOf(texts[index]);
-            std::memcpy(next, wide.c_str(), (wide.size() + 1) * sizeof(WCHAR));
-            strings[index] = next;
-            next += wide.size() + 1;
-        }
-        info->flags = 0x10;
-        info->path = strings[0];
-        info->packageFullName = strings[1];
-        info->packageFamilyName = strings[2];
-        info->packageId.processorArchitecture = 9;
-        info->packageId.version = {4, 3, 2, 1};
-        info->packageId.name = strings[3];
-        info->packageId.publisher = strings[4];
-        info->packageId.resourceId = nullptr;
-        info->packageId.publisherId = strings[6];
-    }
-};
-
-class PackageInfoCalls : public FakeTest {
-protected:
-    PackageBuffer package;
-    std::vector<LONG32> answers;  // of the GetPackageInfo calls, in order
-    platform::PackageInfoReference const reference = reinterpret_cast<platform::PackageInfoReference>(0x77);
-
-    void SetUp() override
-    {
-        FakeTest::SetUp();
-        fake::Packages().GetPackageFullName = AnswerName("Pkg_1.2.3.4_x64__pub", 122);
-        fake::Packages().OpenPackageInfoByFullName = [this](WCHAR const*, platform::PackageInfoReference* out) {
-            *out = reference;
-            return 0;
-        };
-        fake::Packages().GetPackageInfo = [this](UINT32* length, unsigned char* buffer, UINT32*) -> LONG32 {
-            LONG32 const answer = answers.at(0);
-            answers.erase(answers.begin());
-            if (answer == 122) *length = static_cast<UINT32>(package.bytes.size());
-            if (answer == 0) std::memcpy(buffer, package.bytes.data(), std::min<std::size_t>(*length, package.bytes.size()));
-            return answer;
-        };
-        fake::TakeCalls();
-    }
-
-    static std::string Info(std::size_t length)
-    {
-        return "GetPackageInfo(0x77, flags=0x100, length=" + std::to_string(length) + ", buffer=out, count=1)";
-    }
-    Calls Expected(std::vector<std::size_t> const& lengths) const
-    {
-        Calls calls = {Query("GetPackageFullName", "0", false), Query("GetPackageFullName", "21", true),
-                       "OpenPackageInfoByFullName(\"Pkg_1.2.3.4_x64__pub\", reserved=0, reference=out)"};
-        for (std::size_t length : lengths) calls.push_back(Info(length));
-        calls.push_back("ClosePackageInfo(0x77)");
-        return calls;
-    }
-};
-
-}  // namespace
-
-TEST_F(PackageInfoCalls, TooSmallFirstTryIsRetriedWithTheLengthAsked)
+TEST_F(PackageCalls, PackageInfoReadsTwiceAndTheSecondCallDecides)
 {
-    answers = {122, 0};
-    ProcessPackageInfo out;
-    out.resourceId = "stays empty in a new record";
-    ASSERT_TRUE(GetProcessPackageInfo(kProcess, out));
-    EXPECT_EQ(fake::TakeCalls(), Expected({80, package.bytes.size()}));
-    EXPECT_EQ(out.flags, 0x10u);
-    EXPECT_TRUE(out.path == "C:\\Apps\\Pkg");
-    EXPECT_TRUE(out.fullName == "Pkg_1.2.3.4_x64__pub");
-    EXPECT_TRUE(out.familyName == "Pkg_pub");
-    EXPECT_EQ(out.processorArchitecture, 9u);
-    EXPECT_EQ(out.version.revision, 4);
-    EXPECT_EQ(out.version.build, 3);
-    EXPECT_EQ(out.version.minor, 2);
-    EXPECT_EQ(out.version.major, 1);
-    EXPECT_TRUE(out.name == "Pkg");
-    EXPECT_TRUE(out.publisher == "CN=Publisher");
-    EXPECT_TRUE(out.resourceId.IsEmpty());
-    EXPECT_TRUE(out.publisherId == "pub");
-}
-
-TEST_F(PackageInfoCalls, SecondCallDecides)
-{
+    Wide texts[] = {WideOf("C:\\Apps\\Pkg"), WideOf("Pkg_1.2.3.4_x64__pub"), WideOf("Pkg_pub"),
+                    WideOf("Pkg"),           WideOf("CN=Publisher"),         WideOf("pub")};
+    platform::PackageInfo record{0, 0x10, texts[0].data(), texts[1].data(), texts[2].data(), {}};
+    record.packageId = {0, 9, {4, 3, 2, 1}, texts[3].data(), texts[4].data(), nullptr, texts[5].data()};
+    std::vector<LONG32> answers;
+    UINT32 asked = 0;  // the length a too-small first call asks for
+    fake::Packages().GetPackageFullName = AnswerName("Pkg_1.2.3.4_x64__pub", 122);
+    fake::Packages().OpenPackageInfoByFullName = [](WCHAR const*, platform::PackageInfoReference* out) {
+        *out = reinterpret_cast<platform::PackageInfoReference>(0x77);
+        return 0;
+    };
+    fake::Packages().GetPackageInfo = [&](UINT32* length, unsigned char* buffer, UINT32*) -> LONG32 {
+        LONG32 const answer = answers.at(0);
+        answers.erase(answers.begin());
+        if (answer == 122) *length = asked;
+        if (answer == 0) std::memcpy(buffer, &record, std::min<std::size_t>(*length, sizeof record));
+        return answer;
+    };
     struct Row {
         std::vector<LONG32> answers;
-        bool result;
-        std::vector<std::size_t> lengths;
+        UINT32 asked;
+        std::vector<int> lengths;
+        std::string fields;
     };
+    std::string const full = "16 C:\\Apps\\Pkg Pkg_1.2.3.4_x64__pub Pkg_pub 9 1.2.3.4 Pkg CN=Publisher  pub";
+    ProcessPackageInfo before, bare;  // an untouched record; one that holds only flags
+    before.resourceId = "unchanged";
+    bare.flags = 0x10;
+    std::string const unchanged = Fields(before);
     std::vector<Row> const rows = {
-        {{0, 0}, true, {80, 80}},      // a first success is asked again
-        {{122, 87}, false, {80, 0}},   // 0: the length of the package, below
-        {{87, 0}, true, {80, 80}},     // another first error keeps the 80 bytes
-        {{0, 122}, false, {80, 80}},
+        {{122, 0}, 500, {80, 500}, full},
+        {{0, 0}, 0, {80, 80}, full},  // a first success is asked again
+        {{87, 0}, 0, {80, 80}, full},
+        {{122, 87}, 500, {80, 500}, unchanged},
+        {{0, 122}, 0, {80, 80}, unchanged},
+        // Asked for less than one record, the rest of the record reads as zero.
+        {{122, 0}, 8, {80, 8}, Fields(bare)},
     };
     for (Row const& row : rows) {
         answers = row.answers;
-        ProcessPackageInfo out;
-        out.name = "unchanged";
-        EXPECT_EQ(GetProcessPackageInfo(kProcess, out), row.result);
-        std::vector<std::size_t> lengths = row.lengths;
-        if (lengths[1] == 0) lengths[1] = package.bytes.size();
-        EXPECT_EQ(fake::TakeCalls(), Expected(lengths));
-        EXPECT_TRUE(out.name == (row.result ? "Pkg" : "unchanged"));
+        asked = row.asked;
+        ProcessPackageInfo out = before;
+        EXPECT_EQ(GetProcessPackageInfo(kProcess, out), row.fields != unchanged);
+        EXPECT_EQ(Fields(out), row.fields);
+        Calls expected = {Query("GetPackageFullName", "0", false), Query("GetPackageFullName", "21", true),
+                          "OpenPackageInfoByFullName(\"Pkg_1.2.3.4_x64__pub\", reserved=0, reference=out)"};
+        for (int length : row.lengths)
+            expected.push_back("GetPackageInfo(0x77, flags=0x100, length=" + std::to_string(length) +
+                               ", buffer=out, count=1)");
+        expected.push_back("ClosePackageInfo(0x77)");
+        EXPECT_EQ(fake::TakeCalls(), expected);
     }
     // No package, or one that cannot be opened: nothing is read or closed.
     fake::Packages().OpenPackageInfoByFullName = nullptr;
@@ -246,5 +172,4 @@ TEST_F(PackageInfoCalls, SecondCallDecides)
     fake::Packages().GetPackageFullName = AnswerName("", 122);
     EXPECT_FALSE(GetProcessPackageInfo(kProcess, out)) << "an empty full name";
     EXPECT_EQ(fake::TakeCalls().size(), 2u);
-    EXPECT_TRUE(out.name.IsEmpty());
 }
