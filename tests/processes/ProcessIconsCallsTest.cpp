@@ -2,10 +2,6 @@
 // every platform call, the path buffer, the bitness guard and the clean-up
 // after a failed dump.
 
-#include <gtest/gtest.h>
-
-#include <zk64/zk64.h>
-
 #include <algorithm>
 #include <cstdint>
 #include <string>
@@ -17,12 +13,10 @@ namespace {
 using platform::HICON;
 
 HICON Icon(std::uintptr_t value) { return reinterpret_cast<HICON>(value); }
-HANDLE const kFile = reinterpret_cast<HANDLE>(0x99);
-HANDLE const kSelf = reinterpret_cast<HANDLE>(0x55);
 
-std::string Extract(std::string const& path, int index)
+std::string Extract(std::string const& path, bool count)
 {
-    return "ExtractIconExA(\"" + path + "\", index=" + (index < 0 ? "-1, large=null" : "0, large=out") +
+    return "ExtractIconExA(\"" + path + "\", index=" + (count ? "-1, large=null" : "0, large=out") +
            ", small=null, count=1)";
 }
 
@@ -31,13 +25,14 @@ using DumpCalls = FakeTest;
 
 }  // namespace
 
-TEST_F(IconCalls, StockIconsAreSharedElevenByTwelveImages)
+TEST_F(IconCalls, StockAndExecutableIcons)
 {
-    std::pair<HICON__* (*)(), int> const table[] = {
-        {GetDefaultApplicationIcon, 32512},      {GetDefaultStopSignIcon, 32513}, {GetDefaultQuestionMarkIcon, 32514},
-        {GetDefaultExclamationPointIcon, 32515}, {GetDefaultAsteriskIcon, 32516},
-    };
-    for (auto const& [operation, number] : table) {
+    std::pair<HICON__* (*)(), int> const stock[] = {{GetDefaultApplicationIcon, 32512},
+                                                    {GetDefaultStopSignIcon, 32513},
+                                                    {GetDefaultQuestionMarkIcon, 32514},
+                                                    {GetDefaultExclamationPointIcon, 32515},
+                                                    {GetDefaultAsteriskIcon, 32516}};
+    for (auto const& [operation, number] : stock) {
         fake::Icons().LoadImageA = nullptr;
         EXPECT_EQ(operation(), nullptr) << "null when the system fails";
         fake::Icons().LoadImageA = [](char const* name, unsigned int, int, int, unsigned int) {
@@ -47,32 +42,27 @@ TEST_F(IconCalls, StockIconsAreSharedElevenByTwelveImages)
         EXPECT_EQ(fake::TakeCalls(), Calls(2, "LoadImageA(instance=null, name=#" + std::to_string(number) +
                                                   ", type=1, width=11, height=12, flags=0x8000)"));
     }
-}
 
-TEST_F(IconCalls, FirstLargeIconOfAFileThatHasAny)
-{
-    unsigned int count = 2, extracted = 1;  // icons in the file; what the extraction reports
+    // The first large icon of a file that has any; only a reported icon counts.
+    unsigned int count = 2, extracted = 0;
     fake::Icons().ExtractIconExA = [&](char const*, int index, HICON* large, HICON*, unsigned int) {
-        if (index >= 0) *large = Icon(0x1C0);  // written even when nothing is reported
+        if (index >= 0) *large = Icon(0x1C0);
         return index < 0 ? count : extracted;
     };
     std::string const path = "C:\\Apps\\app.exe", longest(259, 'p');  // with its terminator, 260 bytes
-    EXPECT_EQ(GetExeFileIcon(path.c_str()), Icon(0x1C0));
-    EXPECT_EQ(GetExeFileIcon(longest.c_str()), Icon(0x1C0));
-    EXPECT_EQ(fake::TakeCalls(),
-              (Calls{Extract(path, -1), Extract(path, 0), Extract(longest, -1), Extract(longest, 0)}));
-    EXPECT_EQ(GetExeFileIcon((longest + "p").c_str()), nullptr);
-    EXPECT_TRUE(fake::TakeCalls().empty()) << "a longer path is not tried";
-    extracted = 0;
     EXPECT_EQ(GetExeFileIcon(path.c_str()), nullptr);
-    EXPECT_EQ(fake::TakeCalls().size(), 2u);
+    extracted = 1;
+    EXPECT_EQ(GetExeFileIcon(longest.c_str()), Icon(0x1C0));
+    EXPECT_EQ(GetExeFileIcon((longest + "p").c_str()), nullptr) << "a longer path is not tried";
+    EXPECT_EQ(fake::TakeCalls(),
+              (Calls{Extract(path, true), Extract(path, false), Extract(longest, true), Extract(longest, false)}));
     count = 0;
     EXPECT_EQ(GetExeFileIcon(path.c_str()), nullptr);
-    EXPECT_EQ(fake::TakeCalls(), (Calls{Extract(path, -1)}));
+    EXPECT_EQ(fake::TakeCalls(), (Calls{Extract(path, true)}));
 
     // A process's icon is its executable's; without a path the system is
-    // asked about the empty path.
-    count = extracted = 1;
+    // asked about the empty one.
+    count = 1;
     fake::Processes().OpenProcess = [](DWORD, BOOL, DWORD) { return kHandle; };
     fake::Processes().K32GetModuleFileNameExA = [&path](HANDLE, HINSTANCE__*, char* buffer, DWORD) {
         buffer[path.copy(buffer, path.size())] = 0;
@@ -80,24 +70,22 @@ TEST_F(IconCalls, FirstLargeIconOfAFileThatHasAny)
     };
     EXPECT_EQ(GetProcessIcon(9ul), Icon(0x1C0));
     Calls const calls = fake::TakeCalls();
-    ASSERT_EQ(calls.size(), 5u);
-    EXPECT_EQ(calls[0], "OpenProcess(access=0x400, inherit=0, pid=9)") << "query rights alone";
-    EXPECT_EQ(calls[2], Extract(path, -1));
-    EXPECT_EQ(calls[4], "CloseHandle(handle=0x44)");
+    EXPECT_EQ(calls.front(), "OpenProcess(access=0x400, inherit=0, pid=9)");
+    EXPECT_EQ(Calls(calls.begin() + 2, calls.end()),
+              (Calls{Extract(path, true), Extract(path, false), "CloseHandle(handle=0x44)"}));
     fake::Processes().K32GetModuleFileNameExA = nullptr;
     EXPECT_EQ(GetProcessIcon(kProcess), Icon(0x1C0));
-    EXPECT_EQ(fake::TakeCalls().back(), Extract("", 0));
+    EXPECT_EQ(fake::TakeCalls().back(), Extract("", false));
     fake::Processes().OpenProcess = nullptr;
     EXPECT_EQ(GetProcessIcon(9ul), nullptr);
-
-    fake::TakeCalls();
     DestroyProcessIcon(nullptr);
     DestroyProcessIcon(Icon(0x1C0));
-    EXPECT_EQ(fake::TakeCalls(), (Calls{"DestroyIcon(0x1c0)"}));
+    EXPECT_EQ(fake::TakeCalls().back(), "DestroyIcon(0x1c0)");
 }
 
 TEST_F(DumpCalls, BitnessGuardLowKindBitsAndCleanUp)
 {
+    HANDLE const self = reinterpret_cast<HANDLE>(0x55), file = reinterpret_cast<HANDLE>(0x99);
     BOOL dumped = 1, selfWow64 = 0;
     bool targetAnswers = true, selfOpens = true;  // whether IsWow64Process answers for the target
     fake::System().GetNativeSystemInfo = [](platform::NativeSystemInfo* info) {
@@ -105,41 +93,40 @@ TEST_F(DumpCalls, BitnessGuardLowKindBitsAndCleanUp)
     };
     fake::Processes().GetCurrentProcessId = [] { return DWORD{5}; };
     fake::Processes().OpenProcess = [&](DWORD, BOOL, DWORD pid) {
-        return pid != 5 ? kHandle : selfOpens ? kSelf : nullptr;
+        return pid != 5 ? kHandle : selfOpens ? self : nullptr;
     };
     fake::Processes().IsWow64Process = [&](HANDLE process, BOOL* wow64) {
-        if (process != kSelf && !targetAnswers) return 0;
-        *wow64 = process == kSelf ? selfWow64 : 0;
-        return 1;
+        if (process == self || targetAnswers) *wow64 = process == self ? selfWow64 : 0;
+        return process == self || targetAnswers;
     };
     fake::Processes().GetProcessId = [](HANDLE) { return DWORD{77}; };
-    fake::DirectoryChanges().CreateFileA = [](char const*, DWORD, DWORD, void*, DWORD, DWORD, HANDLE) { return kFile; };
+    fake::DirectoryChanges().CreateFileA = [&](char const*, DWORD, DWORD, void*, DWORD, DWORD, HANDLE) { return file; };
     fake::Icons().MiniDumpWriteDump = [&](HANDLE, DWORD, HANDLE, DWORD) { return dumped; };
     auto const afterGuard = [] {  // the calls from the file's creation on
         Calls const calls = fake::TakeCalls();
-        return Calls(std::find_if(calls.begin(), calls.end(),
-                                  [](std::string const& call) { return call.rfind("CreateFileA", 0) == 0; }),
-                     calls.end());
+        return Calls(
+            std::find_if(calls.begin(), calls.end(), [](auto& call) { return call.rfind("CreateFileA", 0) == 0; }),
+            calls.end());
     };
     std::string const create = "CreateFileA(path=\"C:\\dumps\\app.dmp\", access=0x40000000, share=0x0, "
                                "attributes=null, disposition=2, flags=0x80, template=null)";
     std::string const dump = "(0x44, pid=77, file=0x99, type=0x21, exception=null, streams=null, callback=null)";
-    unsigned long long const kind = 0xFFFF000100000021ull;
-    EXPECT_TRUE(CreateProcessDumpFile("C:\\dumps\\app.dmp", kProcess, kind));
-    EXPECT_EQ(afterGuard(),
-              (Calls{create, "GetProcessId(0x44)", "MiniDumpWriteDump" + dump, "CloseHandle(handle=0x99)"}));
+    Calls const written = {create, "GetProcessId(0x44)", "MiniDumpWriteDump" + dump, "CloseHandle(handle=0x99)"};
+    EXPECT_TRUE(CreateProcessDumpFile("C:\\dumps\\app.dmp", kProcess, 0xFFFF000100000021ull));
+    EXPECT_EQ(afterGuard(), written);
     dumped = 0;
-    EXPECT_FALSE(CreateProcessDumpFile("C:\\dumps\\app.dmp", kProcess, kind));
-    EXPECT_EQ(afterGuard(), (Calls{create, "GetProcessId(0x44)", "MiniDumpWriteDump" + dump, "CloseHandle(handle=0x99)",
-                                   "GetLastError()", "DeleteFileA(\"C:\\dumps\\app.dmp\")"}));
+    EXPECT_FALSE(CreateProcessDumpFile("C:\\dumps\\app.dmp", kProcess, 0x21ull));
+    Calls failed = written;
+    failed.insert(failed.end(), {"GetLastError()", "DeleteFileA(\"C:\\dumps\\app.dmp\")"});
+    EXPECT_EQ(afterGuard(), failed);
     dumped = 1;  // a null handle dumps identifier 0; a file that cannot be made stops it all
-    EXPECT_TRUE(CreateProcessDumpFile("C:\\dumps\\app.dmp", ProcessHandle{}, kind));
+    EXPECT_TRUE(CreateProcessDumpFile("C:\\dumps\\app.dmp", ProcessHandle{}, 0x21ull));
     EXPECT_EQ(afterGuard()[1], "MiniDumpWriteDump(null, pid=0, file=0x99, type=0x21, exception=null, streams=null, "
                                "callback=null)");
     fake::DirectoryChanges().CreateFileA = nullptr;
-    EXPECT_FALSE(CreateProcessDumpFile("C:\\dumps\\app.dmp", kProcess, kind));
+    EXPECT_FALSE(CreateProcessDumpFile("C:\\dumps\\app.dmp", kProcess, 0x21ull));
     EXPECT_EQ(afterGuard(), (Calls{create}));
-    fake::DirectoryChanges().CreateFileA = [](char const*, DWORD, DWORD, void*, DWORD, DWORD, HANDLE) { return kFile; };
+    fake::DirectoryChanges().CreateFileA = [&](char const*, DWORD, DWORD, void*, DWORD, DWORD, HANDLE) { return file; };
 
     // Under WOW64 the caller is 32-bit and a native target out of reach, also
     // when the target's flag cannot be read; a caller that cannot open itself
@@ -158,27 +145,24 @@ TEST_F(DumpCalls, BitnessGuardLowKindBitsAndCleanUp)
         EXPECT_EQ(std::count(calls.begin(), calls.end(), "CloseHandle(handle=0x55)"), row.selfOpens ? 1 : 0);
         EXPECT_EQ(std::count(calls.begin(), calls.end(), create), row.dumps ? 1 : 0) << "a refused dump makes no file";
     }
-    // The identifier form opens with query and read rights.
+    // The identifier form opens with query and read rights; the name form
+    // waits until no process has the name, and writes nothing.
     EXPECT_TRUE(CreateProcessDumpFile("C:\\dumps\\app.dmp", 9ul, 2ull));
     Calls const calls = fake::TakeCalls();
     EXPECT_EQ(calls.front(), "OpenProcess(access=0x410, inherit=0, pid=9)");
     EXPECT_EQ(calls.back(), "CloseHandle(handle=0x44)");
-}
-
-TEST_F(DumpCalls, NameFormWaitsUntilTheNameIsGoneAndWritesNothing)
-{
     int listed = 3, lists = 0;  // lists holding the process still to come; lists made
     static char name[] = "app.exe";
-    static platform::WtsProcessInfoA row{1, 9, name, nullptr};
-    fake::Processes().WTSEnumerateProcessesA = [&](platform::WtsProcessInfoA** processes, DWORD* count) {
+    static platform::WtsProcessInfoA entry{1, 9, name, nullptr};
+    fake::Processes().WTSEnumerateProcessesA = [&](platform::WtsProcessInfoA** processes, DWORD* found) {
+        *processes = &entry;
+        *found = listed-- > 0 ? 1 : 0;
         ++lists;
-        *processes = &row;
-        *count = listed-- > 0 ? 1 : 0;
         return 1;
     };
     EXPECT_FALSE(CreateProcessDumpFile("C:\\dumps\\app.dmp", ZKString("app.exe"), 2ull));
     EXPECT_FALSE(CreateProcessDumpFile("C:\\dumps\\app.dmp", ZKString("app.exe"), 2ull));
     EXPECT_EQ(lists, 5) << "four lists until the name is gone, then one for no such process";
     for (std::string const& call : fake::TakeCalls())
-        EXPECT_TRUE(call.find("Open") + 1 == 0 && call.find("Create") + 1 == 0) << call;
+        EXPECT_TRUE(call.find("Open") == call.find("Create")) << call;  // neither
 }

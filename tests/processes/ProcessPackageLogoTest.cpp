@@ -2,10 +2,6 @@
 // tinyxml2, the resource string, and its resolution through the fake
 // platform, from the manifests these tests write.
 
-#include <gtest/gtest.h>
-
-#include <zk64/zk64.h>
-
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -22,56 +18,46 @@ using platform::HRESULT32;
 using platform::WCHAR;
 using Wide = std::basic_string<WCHAR>;
 
-std::string Text(ZKString const& text) { return text.GetString(); }
-
 std::string Manifest(std::string const& applications)
 {
-    return "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n<Package "
-           "xmlns=\"http://schemas.microsoft.com/appx/manifest/foundation/windows10\" "
-           "xmlns:uap=\"http://schemas.microsoft.com/appx/manifest/uap/windows10\"><Identity Name=\"Pkg\"/>" +
+    return "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n<Package xmlns:uap=\"http://schemas.microsoft.com/appx/"
+           "manifest/uap/windows10\"><Identity Name=\"Pkg\"/>" +
            applications + "</Package>\n";
 }
-
 std::string App(std::string const& inside) { return "<Application Id=\"App\">" + inside + "</Application>"; }
 std::string Visual(std::string const& logo) { return App("<uap:VisualElements " + logo + " DisplayName=\"App\"/>"); }
-std::string Applications(std::string const& inside) { return Manifest("<Applications>" + inside + "</Applications>"); }
+std::string Apps(std::string const& inside) { return Manifest("<Applications>" + inside + "</Applications>"); }
 
 using LogoRoad = FakeTest;
 
 }  // namespace
 
-TEST(ManifestLogo, FirstElementsOnTheFixedPathDecide)
+TEST(ManifestLogo, FirstElementsOnTheFixedPathDecideAndSlashesTurnForward)
 {
     std::string const logo = "Square44x44Logo=\"a.png\"";
     std::pair<std::string, char const*> const rows[] = {
-        {Applications(Visual("Square44x44Logo=\"Assets\\Logo.png\"")), "Assets\\Logo.png"},
+        {Apps(Visual("Square44x44Logo=\"Assets\\Logo.png\"")), "Assets\\Logo.png"},
         {"<Other><Applications>" + Visual(logo) + "</Applications></Other>", "a.png"},  // a root of any name
-        {Applications(Visual(logo) + Visual("Square44x44Logo=\"b.png\"")), "a.png"},
-        {Applications(App("") + Visual(logo)), ""},  // the first Application decides
-        {Applications("<Extensions/>" +
-                      App("<Resources/><uap:VisualElements Square150x150Logo=\"big.png\" " + logo + "/>")),
+        {Apps(Visual(logo) + Visual("Square44x44Logo=\"b.png\"")), "a.png"},
+        {Apps(App("") + Visual(logo)), ""},  // the first Application decides
+        {Apps("<Extensions/>" + App("<Resources/><uap:VisualElements Square150x150Logo=\"b.png\" " + logo + "/>")),
          "a.png"},
-        {Applications(Visual("Square150x150Logo=\"big.png\"")), ""},
-        {Applications(App("<VisualElements " + logo + "/>")), ""},  // no uap prefix
+        {Apps(Visual("Square150x150Logo=\"big.png\"")), ""},
+        {Apps(App("<VisualElements " + logo + "/>")), ""},  // no uap prefix
         {Manifest(""), ""},
-        {Applications(""), ""},
+        {Apps(""), ""},
         {Manifest("<Wrapper><Applications>" + Visual(logo) + "</Applications></Wrapper>"), ""},
-        {Applications(Visual(logo)).substr(0, 200), ""},  // malformed
-        {"<?xml version=\"1.0\"?>", ""},
+        {Apps(Visual(logo)).substr(0, 150), ""},  // malformed
     };
     zk64::test::TempDir const dir("manifest");
-    for (auto const& [content, logoFound] : rows) {
-        EXPECT_EQ(Text(zk64::detail::ManifestLogo(dir.Write("AppxManifest.xml", content).c_str())), logoFound)
+    for (auto const& [content, found] : rows) {
+        EXPECT_STREQ(zk64::detail::ManifestLogo(dir.Write("AppxManifest.xml", content).c_str()).GetString(), found)
             << content;
     }
-    EXPECT_EQ(Text(zk64::detail::ManifestLogo(dir.Path("missing.xml").c_str())), "");
-
-    // Slashes turn forward, an empty logo stays empty.
+    EXPECT_STREQ(zk64::detail::ManifestLogo(dir.Path("missing.xml").c_str()).GetString(), "");
     using zk64::detail::LogoResourceString;
-    EXPECT_EQ(Text(LogoResourceString("Pkg_1.0.0.0_x64__pub", "Pkg", "Assets\\Tiles\\Logo.png")),
-              "@{Pkg_1.0.0.0_x64__pub?ms-resource://Pkg/Files/Assets/Tiles/Logo.png}");
-    EXPECT_EQ(Text(LogoResourceString("F", "N", "\\a/b\\\\c")), "@{F?ms-resource://N/Files//a/b//c}");
-    EXPECT_EQ(Text(LogoResourceString("", "", "")), "@{?ms-resource:///Files/}");
+    EXPECT_STREQ(LogoResourceString("F", "N", "\\a/b\\\\c").GetString(), "@{F?ms-resource://N/Files//a/b//c}");
+    EXPECT_STREQ(LogoResourceString("", "", "").GetString(), "@{?ms-resource:///Files/}");
 }
 
 TEST_F(LogoRoad, ManifestLogoIsResolvedInPlaceWithOneDoubledRetry)
@@ -94,7 +80,7 @@ TEST_F(LogoRoad, ManifestLogoIsResolvedInPlaceWithOneDoubledRetry)
         return static_cast<DWORD>(exePath.size());
     };
     // Resolves when the output has room, as the shell does, unless told to
-    // fail with an answer of `answers`.
+    // fail by `answers`.
     std::vector<HRESULT32> answers;
     std::vector<std::string> sources;
     std::vector<unsigned int> sizes;
@@ -104,8 +90,7 @@ TEST_F(LogoRoad, ManifestLogoIsResolvedInPlaceWithOneDoubledRetry)
         sizes.push_back(size);
         HRESULT32 const answer = answers.at(sources.size() - 1);
         if (answer != 0 || resolved.size() >= size) return answer != 0 ? answer : platform::kHresultInsufficientBuffer;
-        Wide const wide(resolved.begin(), resolved.end());
-        std::memcpy(output, wide.c_str(), (wide.size() + 1) * sizeof(WCHAR));
+        std::copy(resolved.c_str(), resolved.c_str() + resolved.size() + 1, output);
         return 0;
     };
     auto const road = [&](std::string const& content, std::vector<HRESULT32> const& told) {
@@ -113,7 +98,7 @@ TEST_F(LogoRoad, ManifestLogoIsResolvedInPlaceWithOneDoubledRetry)
         answers = told;
         sources.clear();
         sizes.clear();
-        return Text(GetUniversalWindowsPlatformIconPath(kProcess));
+        return std::string(GetUniversalWindowsPlatformIconPath(kProcess).GetString());
     };
 
     std::string const resource = "@{Pkg_1.0.0.0_x64__pub?ms-resource:///Files/Assets/Logo.png}";
@@ -123,26 +108,19 @@ TEST_F(LogoRoad, ManifestLogoIsResolvedInPlaceWithOneDoubledRetry)
         {{0}, true}, {{small, 0}, true}, {{small, small}, false}, {{fail}, false}, {{small, fail}, false}};
     std::vector<unsigned int> const doubled{length, 2 * length};
     for (auto const& [told, found] : rows) {
-        EXPECT_EQ(road(Applications(Visual("Square44x44Logo=\"Assets\\Logo.png\"")), told), found ? resolved : "");
+        EXPECT_EQ(road(Apps(Visual("Square44x44Logo=\"Assets\\Logo.png\"")), told), found ? resolved : "");
         EXPECT_EQ(sources, std::vector<std::string>(told.size(), resource));
         EXPECT_EQ(sizes, std::vector<unsigned int>(doubled.begin(), doubled.begin() + told.size()));
     }
-    Calls const calls = fake::TakeCalls();
-    EXPECT_EQ(calls.back(), "SHLoadIndirectString(\"" + resource +
-                                "\", output=source, size=" + std::to_string(2 * length) + ", reserved=null)");
-
-    // A long logo path that resolves only in the doubled buffer.
+    EXPECT_EQ(fake::TakeCalls().back(), "SHLoadIndirectString(\"" + resource + "\", output=source, size=" +
+                                            std::to_string(2 * length) + ", reserved=null)");
+    // A long logo resolves only in the doubled buffer; without a logo the
+    // resource string is still resolved.
     std::string const logo(300, 'L');
     resolved = "C:\\Apps\\Pkg\\Assets\\" + logo + logo + ".png";
-    EXPECT_EQ(road(Applications(Visual("Square44x44Logo=\"Assets\\" + logo + ".png\"")), {0, 0}), resolved);
-    EXPECT_EQ(sizes.size(), 2u);
-
-    // Without a logo the resource string is still resolved.
-    resolved = "C:\\resolved.png";
-    for (std::string const& content : {std::string("<broken"), Applications(Visual("Square150x150Logo=\"b.png\""))}) {
-        EXPECT_EQ(road(content, {0}), resolved);
-        EXPECT_EQ(sources, (std::vector<std::string>{"@{Pkg_1.0.0.0_x64__pub?ms-resource:///Files/}"}));
-    }
+    EXPECT_EQ(road(Apps(Visual("Square44x44Logo=\"Assets\\" + logo + ".png\"")), {0, 0}), resolved);
+    EXPECT_EQ(road("<broken", {0}), resolved);
+    EXPECT_EQ(sources, (std::vector<std::string>{"@{Pkg_1.0.0.0_x64__pub?ms-resource:///Files/}"}));
     // Not packaged: nothing beyond the family-name query.
     fake::Packages().GetPackageFamilyName = nullptr;
     fake::TakeCalls();
