@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <string>
+#include <tuple>
 
 #include "FakeProcess.h"
 
@@ -27,19 +28,16 @@ using DumpCalls = FakeTest;
 
 TEST_F(IconCalls, StockAndExecutableIcons)
 {
-    std::pair<HICON__* (*)(), int> const stock[] = {{GetDefaultApplicationIcon, 32512},
-                                                    {GetDefaultStopSignIcon, 32513},
-                                                    {GetDefaultQuestionMarkIcon, 32514},
-                                                    {GetDefaultExclamationPointIcon, 32515},
-                                                    {GetDefaultAsteriskIcon, 32516}};
-    for (auto const& [operation, number] : stock) {
+    int number = 32512;  // the system's numbers, in this order
+    for (HICON__* (*operation)() : {GetDefaultApplicationIcon, GetDefaultStopSignIcon, GetDefaultQuestionMarkIcon,
+                                    GetDefaultExclamationPointIcon, GetDefaultAsteriskIcon}) {
         fake::Icons().LoadImageA = nullptr;
         EXPECT_EQ(operation(), nullptr) << "null when the system fails";
         fake::Icons().LoadImageA = [](char const* name, unsigned int, int, int, unsigned int) {
             return Icon(reinterpret_cast<std::uintptr_t>(name) + 1);
         };
         EXPECT_EQ(operation(), Icon(number + 1u));
-        EXPECT_EQ(fake::TakeCalls(), Calls(2, "LoadImageA(instance=null, name=#" + std::to_string(number) +
+        EXPECT_EQ(fake::TakeCalls(), Calls(2, "LoadImageA(instance=null, name=#" + std::to_string(number++) +
                                                   ", type=1, width=11, height=12, flags=0x8000)"));
     }
 
@@ -85,9 +83,8 @@ TEST_F(IconCalls, StockAndExecutableIcons)
 
 TEST_F(DumpCalls, BitnessGuardLowKindBitsAndCleanUp)
 {
-    HANDLE const self = reinterpret_cast<HANDLE>(0x55), file = reinterpret_cast<HANDLE>(0x99);
-    BOOL dumped = 1, selfWow64 = 0;
-    bool targetAnswers = true, selfOpens = true;  // whether IsWow64Process answers for the target
+    HANDLE const self = reinterpret_cast<HANDLE>(0x55);
+    BOOL selfWow64 = 0, targetAnswers = 1, selfOpens = 1, created = 1, dumped = 1;
     fake::System().GetNativeSystemInfo = [](platform::NativeSystemInfo* info) {
         info->wProcessorArchitecture = platform::kProcessorArchitectureAmd64;
     };
@@ -100,55 +97,54 @@ TEST_F(DumpCalls, BitnessGuardLowKindBitsAndCleanUp)
         return process == self || targetAnswers;
     };
     fake::Processes().GetProcessId = [](HANDLE) { return DWORD{77}; };
-    fake::DirectoryChanges().CreateFileA = [&](char const*, DWORD, DWORD, void*, DWORD, DWORD, HANDLE) { return file; };
-    fake::Icons().MiniDumpWriteDump = [&](HANDLE, DWORD, HANDLE, DWORD) { return dumped; };
-    auto const afterGuard = [] {  // the calls from the file's creation on
-        Calls const calls = fake::TakeCalls();
-        return Calls(
-            std::find_if(calls.begin(), calls.end(), [](auto& call) { return call.rfind("CreateFileA", 0) == 0; }),
-            calls.end());
+    fake::DirectoryChanges().CreateFileA = [&](char const*, DWORD, DWORD, void*, DWORD, DWORD, HANDLE) {
+        return created ? reinterpret_cast<HANDLE>(0x99) : platform::kInvalidHandleValue;
     };
-    std::string const create = "CreateFileA(path=\"C:\\dumps\\app.dmp\", access=0x40000000, share=0x0, "
-                               "attributes=null, disposition=2, flags=0x80, template=null)";
-    std::string const dump = "(0x44, pid=77, file=0x99, type=0x21, exception=null, streams=null, callback=null)";
-    Calls const written = {create, "GetProcessId(0x44)", "MiniDumpWriteDump" + dump, "CloseHandle(handle=0x99)"};
+    fake::Icons().MiniDumpWriteDump = [&](HANDLE, DWORD, HANDLE, DWORD) { return dumped; };
     EXPECT_TRUE(CreateProcessDumpFile("C:\\dumps\\app.dmp", kProcess, 0xFFFF000100000021ull));
-    EXPECT_EQ(afterGuard(), written);
-    dumped = 0;
-    EXPECT_FALSE(CreateProcessDumpFile("C:\\dumps\\app.dmp", kProcess, 0x21ull));
-    Calls failed = written;
-    failed.insert(failed.end(), {"GetLastError()", "DeleteFileA(\"C:\\dumps\\app.dmp\")"});
-    EXPECT_EQ(afterGuard(), failed);
-    dumped = 1;  // a null handle dumps identifier 0; a file that cannot be made stops it all
+    Calls calls = fake::TakeCalls();
+    EXPECT_EQ(
+        Calls(calls.end() - 4, calls.end()),
+        (Calls{"CreateFileA(path=\"C:\\dumps\\app.dmp\", access=0x40000000, share=0x0, attributes=null, "
+               "disposition=2, flags=0x80, template=null)",
+               "GetProcessId(0x44)",
+               "MiniDumpWriteDump(0x44, pid=77, file=0x99, type=0x21, exception=null, streams=null, callback=null)",
+               "CloseHandle(handle=0x99)"}));
     EXPECT_TRUE(CreateProcessDumpFile("C:\\dumps\\app.dmp", ProcessHandle{}, 0x21ull));
-    EXPECT_EQ(afterGuard()[1], "MiniDumpWriteDump(null, pid=0, file=0x99, type=0x21, exception=null, streams=null, "
-                               "callback=null)");
-    fake::DirectoryChanges().CreateFileA = nullptr;
-    EXPECT_FALSE(CreateProcessDumpFile("C:\\dumps\\app.dmp", kProcess, 0x21ull));
-    EXPECT_EQ(afterGuard(), (Calls{create}));
-    fake::DirectoryChanges().CreateFileA = [&](char const*, DWORD, DWORD, void*, DWORD, DWORD, HANDLE) { return file; };
+    EXPECT_EQ(fake::TakeCalls().end()[-2], "MiniDumpWriteDump(null, pid=0, file=0x99, type=0x21, exception=null, "
+                                           "streams=null, callback=null)");
 
     // Under WOW64 the caller is 32-bit and a native target out of reach, also
     // when the target's flag cannot be read; a caller that cannot open itself
-    // skips the guard.
+    // skips the guard. A failed dump is deleted.
+    std::string const written = "CreateFileA GetProcessId MiniDumpWriteDump CloseHandle ";
     struct Row {
-        BOOL selfWow64;
-        bool targetAnswers, selfOpens, dumps;
+        BOOL selfWow64, targetAnswers, selfOpens, created, dumped;
+        std::string calls;  // from the file's creation on, by name
+    } const rows[] = {
+        {0, 1, 1, 1, 0, written + "GetLastError DeleteFileA(\"C:\\dumps\\app.dmp\") "},
+        {0, 1, 1, 0, 1, "CreateFileA "},
+        {1, 1, 1, 1, 1, ""},
+        {1, 0, 1, 1, 1, ""},
+        {0, 1, 1, 1, 1, written},
+        {1, 1, 0, 1, 1, written},
     };
-    for (Row const row :
-         {Row{1, true, true, false}, Row{1, false, true, false}, Row{0, true, true, true}, Row{1, true, false, true}}) {
-        selfWow64 = row.selfWow64;
-        targetAnswers = row.targetAnswers;
-        selfOpens = row.selfOpens;
-        EXPECT_EQ(CreateProcessDumpFile("C:\\dumps\\app.dmp", kProcess, 2ull), row.dumps);
-        Calls const calls = fake::TakeCalls();
-        EXPECT_EQ(std::count(calls.begin(), calls.end(), "CloseHandle(handle=0x55)"), row.selfOpens ? 1 : 0);
-        EXPECT_EQ(std::count(calls.begin(), calls.end(), create), row.dumps ? 1 : 0) << "a refused dump makes no file";
+    for (Row const& row : rows) {
+        std::tie(selfWow64, targetAnswers, selfOpens, created, dumped) =
+            std::tie(row.selfWow64, row.targetAnswers, row.selfOpens, row.created, row.dumped);
+        EXPECT_EQ(CreateProcessDumpFile("C:\\dumps\\app.dmp", kProcess, 2ull), row.calls == written);
+        calls = fake::TakeCalls();
+        std::string names;
+        for (auto call = std::find_if(calls.begin(), calls.end(), [](auto& c) { return c.rfind("Create", 0) == 0; });
+             call != calls.end(); ++call)
+            names += (call->rfind("Delete", 0) == 0 ? *call : call->substr(0, call->find('('))) + " ";
+        EXPECT_EQ(names, row.calls);
+        EXPECT_EQ(std::count(calls.begin(), calls.end(), "CloseHandle(handle=0x55)"), row.selfOpens);
     }
     // The identifier form opens with query and read rights; the name form
     // waits until no process has the name, and writes nothing.
     EXPECT_TRUE(CreateProcessDumpFile("C:\\dumps\\app.dmp", 9ul, 2ull));
-    Calls const calls = fake::TakeCalls();
+    calls = fake::TakeCalls();
     EXPECT_EQ(calls.front(), "OpenProcess(access=0x410, inherit=0, pid=9)");
     EXPECT_EQ(calls.back(), "CloseHandle(handle=0x44)");
     int listed = 3, lists = 0;  // lists holding the process still to come; lists made
@@ -160,8 +156,8 @@ TEST_F(DumpCalls, BitnessGuardLowKindBitsAndCleanUp)
         ++lists;
         return 1;
     };
-    EXPECT_FALSE(CreateProcessDumpFile("C:\\dumps\\app.dmp", ZKString("app.exe"), 2ull));
-    EXPECT_FALSE(CreateProcessDumpFile("C:\\dumps\\app.dmp", ZKString("app.exe"), 2ull));
+    EXPECT_FALSE(CreateProcessDumpFile("C:\\dumps\\app.dmp", ZKString("app.exe"), 2ull) ||
+                 CreateProcessDumpFile("C:\\dumps\\app.dmp", ZKString("app.exe"), 2ull));
     EXPECT_EQ(lists, 5) << "four lists until the name is gone, then one for no such process";
     for (std::string const& call : fake::TakeCalls())
         EXPECT_TRUE(call.find("Open") == call.find("Create")) << call;  // neither
