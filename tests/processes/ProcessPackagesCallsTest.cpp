@@ -1,14 +1,19 @@
 // Package identity through the fake backend: the name queries, the
-// packaged test, and the two-step read of a package's description.
+// packaged test, the two-step read of a package's description, and the road
+// from the manifest beside the executable to a resolved logo file.
 
 #include <cstring>
+#include <filesystem>
+#include <fstream>
 #include <string>
 #include <vector>
 
 #include "FakeProcess.h"
+#include "files/TempFiles.h"
 
 namespace {
 
+using platform::HRESULT32;
 using platform::LONG32;
 using platform::UINT32;
 using platform::WCHAR;
@@ -31,40 +36,43 @@ std::string Query(std::string const& call, int length, bool buffer)
     return call + "(0x44, length=" + std::to_string(length) + ", buffer=" + (buffer ? "out" : "null") + ")";
 }
 
+// A manifest whose application shows `logo`.
+std::string Manifest(std::string const& logo)
+{
+    std::string const application = "<Application><uap:VisualElements Square44x44Logo=\"" + logo + "\"/></Application>";
+    return "<Package><Applications>" + application + "</Applications></Package>";
+}
+
 using PackageCalls = FakeTest;
 
 }  // namespace
 
 TEST_F(PackageCalls, NamesQueryTheLengthThenReadWithIt)
 {
-    for (bool const family : {false, true}) {
-        std::string const call = family ? "GetPackageFamilyName" : "GetPackageFullName";
-        auto& script = family ? fake::Packages().GetPackageFamilyName : fake::Packages().GetPackageFullName;
-        bool (*operation)(ProcessHandle, ZKString&) = GetProcessPackageFullName;
-        if (family) operation = GetProcessPackageFamilyName;
-        for (LONG32 first : {122, 87, 0}) {  // only "no package" refuses
-            script = AnswerName("Pkg_1.0_x64__8wekyb", first);
-            ZKString out("old");
-            EXPECT_TRUE(operation(kProcess, out) && out == "Pkg_1.0_x64__8wekyb");
-            EXPECT_EQ(fake::TakeCalls(), (Calls{Query(call, 0, false), Query(call, 20, true)}));
-        }
-        script = AnswerName("ignored", platform::kAppModelErrorNoPackage);
+    auto& script = fake::Packages().GetPackageFullName;
+    std::string const call = "GetPackageFullName";
+    for (LONG32 first : {122, 87, 0}) {  // only "no package" refuses
+        script = AnswerName("Pkg_1.0_x64__8wekyb", first);
         ZKString out("old");
-        EXPECT_FALSE(operation(kProcess, out) || operation(ProcessHandle{}, out) || out != "old");
-        EXPECT_EQ(fake::TakeCalls(), (Calls{Query(call, 0, false)})) << "a null handle asks nothing";
-        script = AnswerName("", 122);  // a length of 0, a read that writes nothing: found, and empty
-        EXPECT_TRUE(operation(kProcess, out) && out.IsEmpty());
-        EXPECT_EQ(fake::TakeCalls(), (Calls{Query(call, 0, false), Query(call, 0, true)}));
+        EXPECT_TRUE(GetProcessPackageFullName(kProcess, out) && out == "Pkg_1.0_x64__8wekyb");
+        EXPECT_EQ(fake::TakeCalls(), (Calls{Query(call, 0, false), Query(call, 20, true)}));
     }
+    script = AnswerName("ignored", platform::kAppModelErrorNoPackage);
+    ZKString out("old");
+    EXPECT_FALSE(GetProcessPackageFullName(kProcess, out) || GetProcessPackageFullName(ProcessHandle{}, out));
+    EXPECT_EQ(fake::TakeCalls(), (Calls{Query(call, 0, false)})) << "a null handle asks nothing";
+    fake::Packages().GetPackageFamilyName = AnswerName("", 122);  // a length of 0, a read that writes nothing
+    EXPECT_TRUE(GetProcessPackageFamilyName(kProcess, out) && out.IsEmpty());
+    EXPECT_EQ(fake::TakeCalls(),
+              (Calls{Query("GetPackageFamilyName", 0, false), Query("GetPackageFamilyName", 0, true)}));
     fake::Packages().GetPackageFamilyName = nullptr;
     EXPECT_FALSE(IsProcessUniversalWindowsPlatform(kProcess)) << "a full name alone does not count";
 
     // The identifier forms give false when the process does not open, and
     // open it with query rights.
-    ZKString name;
     ProcessPackageInfo info;
-    EXPECT_FALSE(IsProcessUniversalWindowsPlatform(9ul) || GetProcessPackageFullName(9ul, name) ||
-                 GetProcessPackageFamilyName(9ul, name) || GetProcessPackageInfo(9ul, info));
+    EXPECT_FALSE(IsProcessUniversalWindowsPlatform(9ul) || GetProcessPackageFullName(9ul, out) ||
+                 GetProcessPackageFamilyName(9ul, out) || GetProcessPackageInfo(9ul, info));
     fake::Packages().GetPackageFamilyName = AnswerName("Family", 122);
     fake::Processes().OpenProcess = [](DWORD, BOOL, DWORD) { return kHandle; };
     fake::TakeCalls();
@@ -104,7 +112,8 @@ TEST_F(PackageCalls, PackageInfoReadsTwiceAndTheSecondCallDecides)
             all += std::string(" ") + text->GetString();
         return all;
     };
-    std::string const full = "16 9 1.2.3.4. C:\\Apps\\Pkg Pkg_1.2.3.4_x64__pub Pkg_pub Pkg CN=Publisher  pub";
+    std::string const full = "16 9 1.2.3.4. C:\\Apps\\Pkg Pkg_1.2.3.4_x64__pub "
+                             "Pkg_pub Pkg CN=Publisher  pub";
     std::string const unchanged = "0 0 0.0.0.0.      stale ", bare = "16 0 0.0.0.0.       ";
     struct Row {
         std::vector<LONG32> answers;
@@ -124,7 +133,8 @@ TEST_F(PackageCalls, PackageInfoReadsTwiceAndTheSecondCallDecides)
         EXPECT_EQ(GetProcessPackageInfo(kProcess, out), row.fields != unchanged);
         EXPECT_EQ(fields(out), row.fields);
         Calls expected = {Query("GetPackageFullName", 0, false), Query("GetPackageFullName", 21, true),
-                          "OpenPackageInfoByFullName(\"Pkg_1.2.3.4_x64__pub\", reserved=0, reference=out)"};
+                          "OpenPackageInfoByFullName(\"Pkg_1.2.3.4_x64__pub\", "
+                          "reserved=0, reference=out)"};
         for (UINT32 length : {80u, row.asked})
             expected.push_back("GetPackageInfo(0x77, flags=0x100, length=" + std::to_string(length) +
                                ", buffer=out, count=1)");
@@ -139,4 +149,65 @@ TEST_F(PackageCalls, PackageInfoReadsTwiceAndTheSecondCallDecides)
     fake::Packages().GetPackageFullName = AnswerName("", 122);
     EXPECT_FALSE(GetProcessPackageInfo(kProcess, out)) << "an empty full name";
     EXPECT_EQ(fake::TakeCalls().size(), 2u);
+}
+
+TEST_F(PackageCalls, ManifestLogoIsResolvedInPlaceWithOneDoubledRetry)
+{
+    // A packaged process whose executable lies in a directory of its own,
+    // with no package description: the package name stays empty.
+    zk64::test::TempDir const dir("logo");
+    std::string const exePath = dir.Path("App.exe"), manifest = dir.Dir() + "\\AppxManifest.xml";
+    fake::Packages().GetPackageFamilyName = AnswerName("Pkg_pub", 122);
+    fake::Packages().GetPackageFullName = AnswerName("Pkg_1.0.0.0_x64__pub", 122);
+    fake::Processes().K32GetModuleFileNameExA = [&](HANDLE, HINSTANCE__*, char* buffer, DWORD size) {
+        std::strncpy(buffer, exePath.c_str(), size);
+        return static_cast<DWORD>(exePath.size());
+    };
+    // Resolves when the output has room, as the shell does, unless told to
+    // fail by `answers`.
+    std::vector<HRESULT32> answers;
+    std::string resolved = "C:\\Apps\\Pkg\\Assets\\Logo.scale-100.png";
+    fake::Packages().SHLoadIndirectString = [&](WCHAR const*, WCHAR* output, unsigned int size) -> HRESULT32 {
+        HRESULT32 const answer = answers.at(0);
+        answers.erase(answers.begin());
+        if (answer != 0 || resolved.size() >= size) return answer != 0 ? answer : platform::kHresultInsufficientBuffer;
+        std::copy(resolved.c_str(), resolved.c_str() + resolved.size() + 1, output);
+        return 0;
+    };
+    auto const road = [&](std::string const& content, std::vector<HRESULT32> const& told) {
+        std::ofstream(manifest, std::ios::binary) << content;
+        answers = told;
+        return std::string(GetUniversalWindowsPlatformIconPath(kProcess).GetString());
+    };
+    auto const resolving = [](std::string const& resource,
+                              std::size_t tries) {  // the last calls, in place
+        Calls const calls = fake::TakeCalls();
+        Calls expected;
+        for (std::size_t size = resource.size() + 1; expected.size() < tries; size *= 2)
+            expected.push_back("SHLoadIndirectString(\"" + resource +
+                               "\", output=source, size=" + std::to_string(size) + ", reserved=null)");
+        return Calls(calls.end() - static_cast<std::ptrdiff_t>(std::min(tries, calls.size())), calls.end()) == expected;
+    };
+
+    HRESULT32 const small = platform::kHresultInsufficientBuffer, fail = static_cast<HRESULT32>(0x80004005U);
+    std::pair<std::vector<HRESULT32>, bool> const rows[] = {
+        {{0}, true}, {{small, 0}, true}, {{small, small}, false}, {{fail}, false}, {{small, fail}, false}};
+    for (auto const& [told, found] : rows) {
+        EXPECT_EQ(road(Manifest("Assets\\Logo.png"), told), found ? resolved : "");
+        EXPECT_TRUE(resolving("@{Pkg_1.0.0.0_x64__pub?ms-resource:///Files/Assets/Logo.png}", told.size()));
+        EXPECT_TRUE(answers.empty());
+    }
+    // Without a logo the resource string is still resolved; a long logo
+    // resolves only in the doubled buffer.
+    EXPECT_EQ(road("<broken", {0}), resolved);
+    EXPECT_TRUE(resolving("@{Pkg_1.0.0.0_x64__pub?ms-resource:///Files/}", 1));
+    std::string const logo(300, 'L');
+    resolved = "C:\\Apps\\Pkg\\Assets\\" + logo + logo + ".png";
+    EXPECT_EQ(road(Manifest(logo), {0, 0}), resolved);
+    // Not packaged: nothing beyond the family-name query.
+    fake::Packages().GetPackageFamilyName = nullptr;
+    fake::TakeCalls();
+    EXPECT_EQ(road("", {}), "");
+    EXPECT_EQ(fake::TakeCalls(), (Calls{"GetPackageFamilyName(0x44, length=0, buffer=null)"}));
+    std::filesystem::remove(manifest);
 }
