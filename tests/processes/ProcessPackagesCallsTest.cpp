@@ -103,6 +103,9 @@ TEST_F(PackageCalls, PackageInfoReadsTwiceAndTheSecondCallDecides)
         if (answer == 0) std::memcpy(buffer, &record, std::min<std::size_t>(*length, sizeof record));
         return answer;
     };
+    auto const info = [](UINT32 length) {
+        return "GetPackageInfo(0x77, flags=0x100, length=" + std::to_string(length) + ", buffer=out, count=1)";
+    };
     auto const fields = [](ProcessPackageInfo const& out) {
         std::string all = std::to_string(out.flags) + " " + std::to_string(out.processorArchitecture) + " ";
         for (int part : {out.version.major, out.version.minor, out.version.build, out.version.revision})
@@ -112,8 +115,7 @@ TEST_F(PackageCalls, PackageInfoReadsTwiceAndTheSecondCallDecides)
             all += std::string(" ") + text->GetString();
         return all;
     };
-    std::string const full = "16 9 1.2.3.4. C:\\Apps\\Pkg Pkg_1.2.3.4_x64__pub "
-                             "Pkg_pub Pkg CN=Publisher  pub";
+    std::string const full = "16 9 1.2.3.4. C:\\Apps\\Pkg Pkg_1.2.3.4_x64__pub Pkg_pub Pkg CN=Publisher  pub";
     std::string const unchanged = "0 0 0.0.0.0.      stale ", bare = "16 0 0.0.0.0.       ";
     struct Row {
         std::vector<LONG32> answers;
@@ -132,20 +134,16 @@ TEST_F(PackageCalls, PackageInfoReadsTwiceAndTheSecondCallDecides)
         out.resourceId = "stale";
         EXPECT_EQ(GetProcessPackageInfo(kProcess, out), row.fields != unchanged);
         EXPECT_EQ(fields(out), row.fields);
-        Calls expected = {Query("GetPackageFullName", 0, false), Query("GetPackageFullName", 21, true),
-                          "OpenPackageInfoByFullName(\"Pkg_1.2.3.4_x64__pub\", "
-                          "reserved=0, reference=out)"};
-        for (UINT32 length : {80u, row.asked})
-            expected.push_back("GetPackageInfo(0x77, flags=0x100, length=" + std::to_string(length) +
-                               ", buffer=out, count=1)");
-        expected.push_back("ClosePackageInfo(0x77)");
-        EXPECT_EQ(fake::TakeCalls(), expected);
+        Calls const calls = fake::TakeCalls();
+        EXPECT_EQ(Calls(calls.end() - 3, calls.end()), (Calls{info(80), info(row.asked), "ClosePackageInfo(0x77)"}));
     }
     // A package that cannot be opened, or none: nothing is read or closed.
     ProcessPackageInfo out;
     fake::Packages().OpenPackageInfoByFullName = nullptr;
     EXPECT_FALSE(GetProcessPackageInfo(kProcess, out));
-    EXPECT_EQ(fake::TakeCalls().size(), 3u);
+    EXPECT_EQ(fake::TakeCalls(),
+              (Calls{Query("GetPackageFullName", 0, false), Query("GetPackageFullName", 21, true),
+                     "OpenPackageInfoByFullName(\"Pkg_1.2.3.4_x64__pub\", reserved=0, reference=out)"}));
     fake::Packages().GetPackageFullName = AnswerName("", 122);
     EXPECT_FALSE(GetProcessPackageInfo(kProcess, out)) << "an empty full name";
     EXPECT_EQ(fake::TakeCalls().size(), 2u);
@@ -179,8 +177,7 @@ TEST_F(PackageCalls, ManifestLogoIsResolvedInPlaceWithOneDoubledRetry)
         answers = told;
         return std::string(GetUniversalWindowsPlatformIconPath(kProcess).GetString());
     };
-    auto const resolving = [](std::string const& resource,
-                              std::size_t tries) {  // the last calls, in place
+    auto const resolving = [](std::string const& resource, std::size_t tries) {  // the last calls, in place
         Calls const calls = fake::TakeCalls();
         Calls expected;
         for (std::size_t size = resource.size() + 1; expected.size() < tries; size *= 2)
