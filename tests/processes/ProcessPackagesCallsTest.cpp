@@ -1,57 +1,46 @@
 // Package identity through the fake backend: the name queries, the
-// packaged test, and the two-step read of a package's description.
-
-#include <gtest/gtest.h>
-
-#include <zk64/zk64.h>
+// packaged test, the two-step read of a package's description, and the road
+// from the manifest beside the executable to a resolved logo file.
 
 #include <cstring>
-#include <functional>
+#include <filesystem>
+#include <fstream>
 #include <string>
 #include <vector>
 
 #include "FakeProcess.h"
+#include "files/TempFiles.h"
 
 namespace {
 
+using platform::HRESULT32;
 using platform::LONG32;
 using platform::UINT32;
 using platform::WCHAR;
 using Wide = std::basic_string<WCHAR>;
 
-Wide WideOf(std::string const& text) { return Wide(text.begin(), text.end()); }
-
-using NameScript = std::function<LONG32(HANDLE, UINT32*, WCHAR*)>;
-
 // A name query that knows `text`: the length query answers `first` with the
-// length of the text and its terminator; a read copies as much as fits.
-NameScript AnswerName(std::string const& text, LONG32 first)
+// length of the text and its terminator (0 for no text); a read copies the
+// text's units as far as they fit, never the terminator.
+auto AnswerName(std::string const& text, LONG32 first)
 {
-    return [text, first](HANDLE, UINT32* length, WCHAR* buffer) -> LONG32 {
-        Wide const wide = WideOf(text);
-        if (buffer == nullptr) {
-            *length = static_cast<UINT32>(wide.size() + 1);
-            return first;
-        }
-        std::size_t const fits = std::min<std::size_t>(*length, wide.size() + 1);
-        std::memcpy(buffer, wide.c_str(), fits * sizeof(WCHAR));
-        return 0;
+    return [wide = Wide(text.begin(), text.end()), first](HANDLE, UINT32* length, WCHAR* buffer) -> LONG32 {
+        if (buffer == nullptr) *length = static_cast<UINT32>(wide.empty() ? 0 : wide.size() + 1);
+        if (buffer != nullptr) std::memcpy(buffer, wide.data(), std::min<std::size_t>(*length, wide.size()) * 2);
+        return buffer == nullptr ? first : 0;
     };
 }
 
-struct NameForm {
-    char const* call;
-    NameScript platform::fake::PackagesScript::*script;
-    bool (*operation)(ProcessHandle, ZKString&);
-};
-NameForm const kNameForms[] = {
-    {"GetPackageFullName", &fake::PackagesScript::GetPackageFullName, GetProcessPackageFullName},
-    {"GetPackageFamilyName", &fake::PackagesScript::GetPackageFamilyName, GetProcessPackageFamilyName},
-};
-
-std::string Query(char const* call, std::string const& length, bool buffer)
+std::string Query(std::string const& call, int length, bool buffer)
 {
-    return std::string(call) + "(0x44, length=" + length + ", buffer=" + (buffer ? "out" : "null") + ")";
+    return call + "(0x44, length=" + std::to_string(length) + ", buffer=" + (buffer ? "out" : "null") + ")";
+}
+
+// A manifest whose application shows `logo`.
+std::string Manifest(std::string const& logo)
+{
+    std::string const application = "<Application><uap:VisualElements Square44x44Logo=\"" + logo + "\"/></Application>";
+    return "<Package><Applications>" + application + "</Applications></Package>";
 }
 
 using PackageCalls = FakeTest;
@@ -60,191 +49,162 @@ using PackageCalls = FakeTest;
 
 TEST_F(PackageCalls, NamesQueryTheLengthThenReadWithIt)
 {
-    for (NameForm const& form : kNameForms) {
-        SCOPED_TRACE(form.call);
-        // Only "no package" refuses; any other first answer is read on.
-        for (LONG32 first : {122, 87, 0}) {
-            fake::Packages().*form.script = AnswerName("Pkg_1.0_x64__8wekyb", first);
-            ZKString out("old");
-            EXPECT_TRUE(form.operation(kProcess, out));
-            EXPECT_TRUE(out == "Pkg_1.0_x64__8wekyb");
-            EXPECT_EQ(fake::TakeCalls(), (Calls{Query(form.call, "0", false), Query(form.call, "20", true)}));
-        }
-        fake::Packages().*form.script = AnswerName("ignored", platform::kAppModelErrorNoPackage);
+    auto& script = fake::Packages().GetPackageFullName;
+    std::string const call = "GetPackageFullName";
+    for (LONG32 first : {122, 87, 0}) {  // only "no package" refuses
+        script = AnswerName("Pkg_1.0_x64__8wekyb", first);
         ZKString out("old");
-        EXPECT_FALSE(form.operation(kProcess, out));
-        EXPECT_TRUE(out == "old");
-        EXPECT_EQ(fake::TakeCalls(), (Calls{Query(form.call, "0", false)}));
-        EXPECT_FALSE(form.operation(ProcessHandle{}, out)) << "a null handle asks nothing";
-        EXPECT_TRUE(fake::TakeCalls().empty());
-        // A length of 0 and a read that writes nothing: found, and empty.
-        fake::Packages().*form.script = [](HANDLE, UINT32* length, WCHAR*) {
-            *length = 0;
-            return 122;
-        };
-        EXPECT_TRUE(form.operation(kProcess, out));
-        EXPECT_TRUE(out.IsEmpty());
-        fake::TakeCalls();
+        EXPECT_TRUE(GetProcessPackageFullName(kProcess, out) && out == "Pkg_1.0_x64__8wekyb");
+        EXPECT_EQ(fake::TakeCalls(), (Calls{Query(call, 0, false), Query(call, 20, true)}));
     }
-}
-
-TEST_F(PackageCalls, PackagedMeansAFamilyName)
-{
-    fake::Packages().GetPackageFullName = AnswerName("Full", 122);
+    script = AnswerName("ignored", platform::kAppModelErrorNoPackage);
+    ZKString out("old");
+    EXPECT_FALSE(GetProcessPackageFullName(kProcess, out) || GetProcessPackageFullName(ProcessHandle{}, out));
+    EXPECT_EQ(fake::TakeCalls(), (Calls{Query(call, 0, false)})) << "a null handle asks nothing";
+    fake::Packages().GetPackageFamilyName = AnswerName("", 122);  // a length of 0, a read that writes nothing
+    EXPECT_TRUE(GetProcessPackageFamilyName(kProcess, out) && out.IsEmpty());
+    EXPECT_EQ(fake::TakeCalls(),
+              (Calls{Query("GetPackageFamilyName", 0, false), Query("GetPackageFamilyName", 0, true)}));
+    fake::Packages().GetPackageFamilyName = nullptr;
     EXPECT_FALSE(IsProcessUniversalWindowsPlatform(kProcess)) << "a full name alone does not count";
-    EXPECT_EQ(fake::TakeCalls(), (Calls{Query("GetPackageFamilyName", "0", false)}));
-    fake::Packages().GetPackageFamilyName = AnswerName("Family", 122);
-    EXPECT_TRUE(IsProcessUniversalWindowsPlatform(kProcess));
-    EXPECT_EQ(fake::TakeCalls().size(), 2u);
-    EXPECT_FALSE(IsProcessUniversalWindowsPlatform(ProcessHandle{}));
 
-    // The identifier forms open with query rights and close again.
-    fake::Processes().OpenProcess = [](DWORD, BOOL, DWORD) { return kHandle; };
-    ZKString name;
+    // The identifier forms give false when the process does not open, and
+    // open it with query rights.
     ProcessPackageInfo info;
-    std::vector<std::function<bool()>> const forms = {
-        [] { return IsProcessUniversalWindowsPlatform(9ul); },
-        [&] { return GetProcessPackageFullName(9ul, name); },
-        [&] { return GetProcessPackageFamilyName(9ul, name); },
-        [&] { return GetProcessPackageInfo(9ul, info); },
+    EXPECT_FALSE(IsProcessUniversalWindowsPlatform(9ul) || GetProcessPackageFullName(9ul, out) ||
+                 GetProcessPackageFamilyName(9ul, out) || GetProcessPackageInfo(9ul, info));
+    fake::Packages().GetPackageFamilyName = AnswerName("Family", 122);
+    fake::Processes().OpenProcess = [](DWORD, BOOL, DWORD) { return kHandle; };
+    fake::TakeCalls();
+    EXPECT_TRUE(IsProcessUniversalWindowsPlatform(9ul));
+    EXPECT_EQ(fake::TakeCalls(),
+              (Calls{"OpenProcess(access=0x400, inherit=0, pid=9)", Query("GetPackageFamilyName", 0, false),
+                     Query("GetPackageFamilyName", 7, true), "CloseHandle(handle=0x44)"}));
+}
+
+TEST_F(PackageCalls, PackageInfoReadsTwiceAndTheSecondCallDecides)
+{
+    std::vector<Wide> texts;
+    for (char const* text : {"C:\\Apps\\Pkg", "Pkg_1.2.3.4_x64__pub", "Pkg_pub", "Pkg", "CN=Publisher", "pub"})
+        texts.emplace_back(text, text + std::strlen(text));
+    platform::PackageInfo record{0, 0x10, texts[0].data(), texts[1].data(), texts[2].data(), {}};
+    record.packageId = {0, 9, {4, 3, 2, 1}, texts[3].data(), texts[4].data(), nullptr, texts[5].data()};
+    std::vector<LONG32> answers;
+    UINT32 asked = 0;  // the length a too-small first call asks for
+    fake::Packages().GetPackageFullName = AnswerName("Pkg_1.2.3.4_x64__pub", 122);
+    fake::Packages().OpenPackageInfoByFullName = [](WCHAR const*, platform::PackageInfoReference* out) {
+        *out = reinterpret_cast<platform::PackageInfoReference>(0x77);
+        return 0;
     };
-    for (auto const& form : forms) {
-        form();
-        Calls const calls = fake::TakeCalls();
-        ASSERT_GE(calls.size(), 3u);
-        EXPECT_EQ(calls.front(), "OpenProcess(access=0x400, inherit=0, pid=9)");
-        EXPECT_EQ(calls.back(), "CloseHandle(handle=0x44)");
-    }
-}
-
-namespace {
-
-// A package description as GetPackageInfo lays it out: one record, then
-// its strings.
-struct PackageBuffer {
-    std::vector<unsigned char> bytes;
-
-    PackageBuffer()
-    {
-        std::vector<std::string> const texts = {"C:\\Apps\\Pkg", "Pkg_1.2.3.4_x64__pub", "Pkg_pub", "Pkg",
-                                                "CN=Publisher", "", "pub"};
-        std::size_t size = sizeof(platform::PackageInfo);
-        for (std::string const& text : texts) size += (text.size() + 1) * sizeof(WCHAR);
-        bytes.assign(size, 0);
-        auto* info = reinterpret_cast<platform::PackageInfo*>(bytes.data());
-        WCHAR* strings[7];
-        auto* next = reinterpret_cast<WCHAR*>(bytes.data() + sizeof(platform::PackageInfo));
-        for (std::size_t index = 0; index < texts.size(); ++index) {
-            Wide const wide = WideOf(texts[index]);
-            std::memcpy(next, wide.c_str(), (wide.size() + 1) * sizeof(WCHAR));
-            strings[index] = next;
-            next += wide.size() + 1;
-        }
-        info->flags = 0x10;
-        info->path = strings[0];
-        info->packageFullName = strings[1];
-        info->packageFamilyName = strings[2];
-        info->packageId.processorArchitecture = 9;
-        info->packageId.version = {4, 3, 2, 1};
-        info->packageId.name = strings[3];
-        info->packageId.publisher = strings[4];
-        info->packageId.resourceId = nullptr;
-        info->packageId.publisherId = strings[6];
-    }
-};
-
-class PackageInfoCalls : public FakeTest {
-protected:
-    PackageBuffer package;
-    std::vector<LONG32> answers;  // of the GetPackageInfo calls, in order
-    platform::PackageInfoReference const reference = reinterpret_cast<platform::PackageInfoReference>(0x77);
-
-    void SetUp() override
-    {
-        FakeTest::SetUp();
-        fake::Packages().GetPackageFullName = AnswerName("Pkg_1.2.3.4_x64__pub", 122);
-        fake::Packages().OpenPackageInfoByFullName = [this](WCHAR const*, platform::PackageInfoReference* out) {
-            *out = reference;
-            return 0;
-        };
-        fake::Packages().GetPackageInfo = [this](UINT32* length, unsigned char* buffer, UINT32*) -> LONG32 {
-            LONG32 const answer = answers.at(0);
-            answers.erase(answers.begin());
-            if (answer == 122) *length = static_cast<UINT32>(package.bytes.size());
-            if (answer == 0) std::memcpy(buffer, package.bytes.data(), std::min<std::size_t>(*length, package.bytes.size()));
-            return answer;
-        };
-        fake::TakeCalls();
-    }
-
-    static std::string Info(std::size_t length)
-    {
+    fake::Packages().GetPackageInfo = [&](UINT32* length, unsigned char* buffer, UINT32*) -> LONG32 {
+        LONG32 const answer = answers.at(0);
+        answers.erase(answers.begin());
+        if (answer == 122) *length = asked;
+        if (answer == 0) std::memcpy(buffer, &record, std::min<std::size_t>(*length, sizeof record));
+        return answer;
+    };
+    auto const info = [](UINT32 length) {
         return "GetPackageInfo(0x77, flags=0x100, length=" + std::to_string(length) + ", buffer=out, count=1)";
-    }
-    Calls Expected(std::vector<std::size_t> const& lengths) const
-    {
-        Calls calls = {Query("GetPackageFullName", "0", false), Query("GetPackageFullName", "21", true),
-                       "OpenPackageInfoByFullName(\"Pkg_1.2.3.4_x64__pub\", reserved=0, reference=out)"};
-        for (std::size_t length : lengths) calls.push_back(Info(length));
-        calls.push_back("ClosePackageInfo(0x77)");
-        return calls;
-    }
-};
-
-}  // namespace
-
-TEST_F(PackageInfoCalls, TooSmallFirstTryIsRetriedWithTheLengthAsked)
-{
-    answers = {122, 0};
-    ProcessPackageInfo out;
-    out.resourceId = "stays empty in a new record";
-    ASSERT_TRUE(GetProcessPackageInfo(kProcess, out));
-    EXPECT_EQ(fake::TakeCalls(), Expected({80, package.bytes.size()}));
-    EXPECT_EQ(out.flags, 0x10u);
-    EXPECT_TRUE(out.path == "C:\\Apps\\Pkg");
-    EXPECT_TRUE(out.fullName == "Pkg_1.2.3.4_x64__pub");
-    EXPECT_TRUE(out.familyName == "Pkg_pub");
-    EXPECT_EQ(out.processorArchitecture, 9u);
-    EXPECT_EQ(out.version.revision, 4);
-    EXPECT_EQ(out.version.build, 3);
-    EXPECT_EQ(out.version.minor, 2);
-    EXPECT_EQ(out.version.major, 1);
-    EXPECT_TRUE(out.name == "Pkg");
-    EXPECT_TRUE(out.publisher == "CN=Publisher");
-    EXPECT_TRUE(out.resourceId.IsEmpty());
-    EXPECT_TRUE(out.publisherId == "pub");
-}
-
-TEST_F(PackageInfoCalls, SecondCallDecides)
-{
+    };
+    auto const fields = [](ProcessPackageInfo const& out) {
+        std::string all = std::to_string(out.flags) + " " + std::to_string(out.processorArchitecture) + " ";
+        for (int part : {out.version.major, out.version.minor, out.version.build, out.version.revision})
+            all += std::to_string(part) + ".";
+        for (ZKString const* text :
+             {&out.path, &out.fullName, &out.familyName, &out.name, &out.publisher, &out.resourceId, &out.publisherId})
+            all += std::string(" ") + text->GetString();
+        return all;
+    };
+    std::string const full = "16 9 1.2.3.4. C:\\Apps\\Pkg Pkg_1.2.3.4_x64__pub Pkg_pub Pkg CN=Publisher  pub";
+    std::string const unchanged = "0 0 0.0.0.0.      stale ", bare = "16 0 0.0.0.0.       ";
     struct Row {
         std::vector<LONG32> answers;
-        bool result;
-        std::vector<std::size_t> lengths;
-    };
-    std::vector<Row> const rows = {
-        {{0, 0}, true, {80, 80}},      // a first success is asked again
-        {{122, 87}, false, {80, 0}},   // 0: the length of the package, below
-        {{87, 0}, true, {80, 80}},     // another first error keeps the 80 bytes
-        {{0, 122}, false, {80, 80}},
+        UINT32 asked;
+        std::string fields;
+    } const rows[] = {
+        {{122, 0}, 500, full},       {{0, 0}, 80, full},
+        {{87, 0}, 80, full},  // any other first answer keeps 80
+        {{122, 87}, 500, unchanged}, {{0, 122}, 80, unchanged},
+        {{122, 0}, 8, bare},  // less than one record: the rest reads as zero
     };
     for (Row const& row : rows) {
         answers = row.answers;
+        asked = row.asked;
         ProcessPackageInfo out;
-        out.name = "unchanged";
-        EXPECT_EQ(GetProcessPackageInfo(kProcess, out), row.result);
-        std::vector<std::size_t> lengths = row.lengths;
-        if (lengths[1] == 0) lengths[1] = package.bytes.size();
-        EXPECT_EQ(fake::TakeCalls(), Expected(lengths));
-        EXPECT_TRUE(out.name == (row.result ? "Pkg" : "unchanged"));
+        out.resourceId = "stale";
+        EXPECT_EQ(GetProcessPackageInfo(kProcess, out), row.fields != unchanged);
+        EXPECT_EQ(fields(out), row.fields);
+        Calls const calls = fake::TakeCalls();
+        EXPECT_EQ(Calls(calls.end() - 3, calls.end()), (Calls{info(80), info(row.asked), "ClosePackageInfo(0x77)"}));
     }
-    // No package, or one that cannot be opened: nothing is read or closed.
-    fake::Packages().OpenPackageInfoByFullName = nullptr;
+    // A package that cannot be opened, or none: nothing is read or closed.
     ProcessPackageInfo out;
+    fake::Packages().OpenPackageInfoByFullName = nullptr;
     EXPECT_FALSE(GetProcessPackageInfo(kProcess, out));
-    EXPECT_EQ(fake::TakeCalls().size(), 3u);
+    EXPECT_EQ(fake::TakeCalls(),
+              (Calls{Query("GetPackageFullName", 0, false), Query("GetPackageFullName", 21, true),
+                     "OpenPackageInfoByFullName(\"Pkg_1.2.3.4_x64__pub\", reserved=0, reference=out)"}));
     fake::Packages().GetPackageFullName = AnswerName("", 122);
     EXPECT_FALSE(GetProcessPackageInfo(kProcess, out)) << "an empty full name";
     EXPECT_EQ(fake::TakeCalls().size(), 2u);
-    EXPECT_TRUE(out.name.IsEmpty());
+}
+
+TEST_F(PackageCalls, ManifestLogoIsResolvedInPlaceWithOneDoubledRetry)
+{
+    // A packaged process whose executable lies in a directory of its own,
+    // with no package description: the package name stays empty.
+    zk64::test::TempDir const dir("logo");
+    std::string const exePath = dir.Path("App.exe"), manifest = dir.Dir() + "\\AppxManifest.xml";
+    fake::Packages().GetPackageFamilyName = AnswerName("Pkg_pub", 122);
+    fake::Packages().GetPackageFullName = AnswerName("Pkg_1.0.0.0_x64__pub", 122);
+    fake::Processes().K32GetModuleFileNameExA = [&](HANDLE, HINSTANCE__*, char* buffer, DWORD size) {
+        std::strncpy(buffer, exePath.c_str(), size);
+        return static_cast<DWORD>(exePath.size());
+    };
+    // Resolves when the output has room, as the shell does, unless told to
+    // fail by `answers`.
+    std::vector<HRESULT32> answers;
+    std::string resolved = "C:\\Apps\\Pkg\\Assets\\Logo.scale-100.png";
+    fake::Packages().SHLoadIndirectString = [&](WCHAR const*, WCHAR* output, unsigned int size) -> HRESULT32 {
+        HRESULT32 const answer = answers.at(0);
+        answers.erase(answers.begin());
+        if (answer != 0 || resolved.size() >= size) return answer != 0 ? answer : platform::kHresultInsufficientBuffer;
+        std::copy(resolved.c_str(), resolved.c_str() + resolved.size() + 1, output);
+        return 0;
+    };
+    auto const road = [&](std::string const& content, std::vector<HRESULT32> const& told) {
+        std::ofstream(manifest, std::ios::binary) << content;
+        answers = told;
+        return std::string(GetUniversalWindowsPlatformIconPath(kProcess).GetString());
+    };
+    auto const resolving = [](std::string const& resource, std::size_t tries) {  // the last calls, in place
+        Calls const calls = fake::TakeCalls();
+        Calls expected;
+        for (std::size_t size = resource.size() + 1; expected.size() < tries; size *= 2)
+            expected.push_back("SHLoadIndirectString(\"" + resource +
+                               "\", output=source, size=" + std::to_string(size) + ", reserved=null)");
+        return Calls(calls.end() - static_cast<std::ptrdiff_t>(std::min(tries, calls.size())), calls.end()) == expected;
+    };
+
+    HRESULT32 const small = platform::kHresultInsufficientBuffer, fail = static_cast<HRESULT32>(0x80004005U);
+    std::pair<std::vector<HRESULT32>, bool> const rows[] = {
+        {{0}, true}, {{small, 0}, true}, {{small, small}, false}, {{fail}, false}, {{small, fail}, false}};
+    for (auto const& [told, found] : rows) {
+        EXPECT_EQ(road(Manifest("Assets\\Logo.png"), told), found ? resolved : "");
+        EXPECT_TRUE(resolving("@{Pkg_1.0.0.0_x64__pub?ms-resource:///Files/Assets/Logo.png}", told.size()));
+        EXPECT_TRUE(answers.empty());
+    }
+    // Without a logo the resource string is still resolved; a long logo
+    // resolves only in the doubled buffer.
+    EXPECT_EQ(road("<broken", {0}), resolved);
+    EXPECT_TRUE(resolving("@{Pkg_1.0.0.0_x64__pub?ms-resource:///Files/}", 1));
+    std::string const logo(300, 'L');
+    resolved = "C:\\Apps\\Pkg\\Assets\\" + logo + logo + ".png";
+    EXPECT_EQ(road(Manifest(logo), {0, 0}), resolved);
+    // Not packaged: nothing beyond the family-name query.
+    fake::Packages().GetPackageFamilyName = nullptr;
+    fake::TakeCalls();
+    EXPECT_EQ(road("", {}), "");
+    EXPECT_EQ(fake::TakeCalls(), (Calls{"GetPackageFamilyName(0x44, length=0, buffer=null)"}));
+    std::filesystem::remove(manifest);
 }
