@@ -13,8 +13,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/Files.h"
 #include "FakeProcess.h"
+#include "platform/Files.h"
 
 namespace {
 
@@ -34,21 +34,13 @@ void ScriptExePath(std::string const& path)
         return static_cast<DWORD>(path.size());
     };
 }
-// {session 1, pid 4, "System"}, {2, 30, "app.exe"}, {3, 31, "app.exe"}, {4, 32, "App.exe"}, {5, 33, no name}.
+// {session 1, pid 4, "System"}, {2, 30, "app.exe"}, {3, 31, "app.exe"}, {4, 32,
+// "App.exe"}, {5, 33, no name}.
 std::vector<platform::WtsProcessInfoA> rows = {{1, 4, const_cast<char*>("System"), nullptr},
                                                {2, 30, const_cast<char*>("app.exe"), &rows},
                                                {3, 31, const_cast<char*>("app.exe"), nullptr},
                                                {4, 32, const_cast<char*>("App.exe"), nullptr},
                                                {5, 33, nullptr, nullptr}};
-void ScriptList()
-{
-    fake::Processes().WTSEnumerateProcessesA = [](platform::WtsProcessInfoA** list, DWORD* count) {
-        *list = rows.data();
-        *count = static_cast<DWORD>(rows.size());
-        return 1;
-    };
-}
-
 using ProcessCalls = FakeTest;
 
 }  // namespace
@@ -123,7 +115,11 @@ TEST_F(ProcessCalls, ProcessListAndNameForms)
     EXPECT_FALSE(GetAllProcesses(list)) << "an unscripted enumeration fails";
     fake::Processes().WTSEnumerateProcessesA = [](platform::WtsProcessInfoA**, DWORD*) { return 2; };
     EXPECT_FALSE(GetAllProcesses(list)) << "only 1 is success";
-    ScriptList();
+    fake::Processes().WTSEnumerateProcessesA = [](platform::WtsProcessInfoA** listed, DWORD* count) {
+        *listed = rows.data();
+        *count = static_cast<DWORD>(rows.size());
+        return 1;
+    };
     ASSERT_TRUE(GetAllProcesses(list) && GetAllProcesses(list));
     ASSERT_EQ(list.GetItemCount(), 10u) << "appended";
     EXPECT_TRUE(list[6].sessionID == 2 && list[6].processID == 30 && list[6].processName == "app.exe");
@@ -136,7 +132,8 @@ TEST_F(ProcessCalls, ProcessListAndNameForms)
     fake::TakeCalls();
     EXPECT_TRUE(GetProcessExePath(ZKString("app.exe")) == Join("C:", "app.exe").c_str());
     EXPECT_EQ(fake::TakeCalls(),
-              (Calls{"WTSEnumerateProcessesA(server=null, reserved=0, version=1, processes=out, count=out)",
+              (Calls{"WTSEnumerateProcessesA(server=null, reserved=0, version=1, "
+                     "processes=out, count=out)",
                      "WTSFreeMemory(" + fake::Pointer(rows.data()) + ")", Open(0x410, 30),
                      "K32GetModuleFileNameExA(0x44, module=null, buffer=out, size=260)", "CloseHandle(handle=0x44)"}));
     ZKContainer<ZKString> paths;
@@ -173,7 +170,8 @@ TEST_F(ProcessCalls, ModulesPathsAndBitness)
     EXPECT_TRUE(GetProcessModules(kProcess, modules));
     EXPECT_TRUE(modules.GetItemCount() == 1024u && modules[1023] == Module(0x10000 * 1024));
 
-    // {path, name, directory}: the name follows the last separator; without one the directory is the path.
+    // {path, name, directory}: the name follows the last separator; without one
+    // the directory is the path.
     std::vector<std::vector<std::string>> const table = {
         {Join("C:", "app.exe"), "app.exe", "C:"}, {"app.exe", "app.exe", "app.exe"}, {Join("C:", ""), "", "C:"}};
     for (auto const& row : table) {
@@ -210,14 +208,15 @@ TEST_F(ProcessCalls, PrivilegesAndTheAdministratorTest)
     };
     TokenHandle const token{kHandle};
     EXPECT_FALSE(AdjustPrivilege(token, "SeDebugPrivilege", false)) << "the token lacks it";
-    EXPECT_EQ(fake::TakeCalls().at(1), "AdjustTokenPrivileges(0x44, disableAll=0, count=1 [20.0:0], bufferLength=16, "
+    EXPECT_EQ(fake::TakeCalls().at(1), "AdjustTokenPrivileges(0x44, disableAll=0, count=1 [20.0:0], "
+                                       "bufferLength=16, "
                                        "previous=null, returnLength=null)");
     EXPECT_FALSE(AdjustPrivilege(token, "SeNoSuchPrivilege", true));
     EXPECT_EQ(fake::TakeCalls().size(), 1u) << "an unknown name stops at the lookup";
     EXPECT_TRUE(AdjustAllPrivilege(token)) << "the nine-at-once form ignores partial success";
-    EXPECT_EQ(fake::TakeCalls().back(),
-              "AdjustTokenPrivileges(0x44, disableAll=0, count=9 [20.0:2 14.0:2 33.0:2 10.0:2 13.0:2 17.0:2 18.0:2 "
-              "19.0:2 9.0:2], bufferLength=0, previous=null, returnLength=null)");
+    EXPECT_EQ(fake::TakeCalls().back(), "AdjustTokenPrivileges(0x44, disableAll=0, count=9 [20.0:2 14.0:2 "
+                                        "33.0:2 10.0:2 13.0:2 17.0:2 18.0:2 "
+                                        "19.0:2 9.0:2], bufferLength=0, previous=null, returnLength=null)");
 
     void* sid = nullptr;
     fake::Security().AllocateAndInitializeSid = [&](void** out) {
@@ -231,10 +230,10 @@ TEST_F(ProcessCalls, PrivilegesAndTheAdministratorTest)
         return answer;
     };
     EXPECT_TRUE(IsAppRunningAsAdminMode());
-    EXPECT_EQ(fake::TakeCalls(),
-              (Calls{"AllocateAndInitializeSid(authority=0.0.0.0.0.5, count=2, sub=32,544,0,0,0,0,0,0)",
-                     "CheckTokenMembership(null, sid=" + fake::Pointer(sid) + ", member=out)",
-                     "FreeSid(" + fake::Pointer(sid) + ")"}));
+    EXPECT_EQ(fake::TakeCalls(), (Calls{"AllocateAndInitializeSid(authority=0.0.0.0.0.5, count=2, "
+                                        "sub=32,544,0,0,0,0,0,0)",
+                                        "CheckTokenMembership(null, sid=" + fake::Pointer(sid) + ", member=out)",
+                                        "FreeSid(" + fake::Pointer(sid) + ")"}));
     answer = 0;
     try {
         IsAppRunningAsAdminMode();
