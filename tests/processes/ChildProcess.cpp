@@ -4,12 +4,13 @@
 
 #if defined(_WIN32)
 #include <windows.h>
+constexpr char const* kSuffixAndSeparator[] = {".exe", "\\"};
 #else
 #include <csignal>
 #include <spawn.h>
 #include <sys/wait.h>
-#include <unistd.h>
 extern char** environ;
+constexpr char const* kSuffixAndSeparator[] = {"", "/"};
 #endif
 
 bool RunningUnderWine()
@@ -22,42 +23,31 @@ bool RunningUnderWine()
 #endif
 }
 
-std::string ChildProcess::FileName()
-{
-#if defined(_WIN32)
-    return "zk64_process_child.exe";
-#else
-    return "zk64_process_child";
-#endif
-}
+std::string ChildProcess::FileName() { return std::string("zk64_process_child") + kSuffixAndSeparator[0]; }
 
 std::string ChildProcess::Path()
 {
-#if defined(_WIN32)
-    char const separator = '\\';
-#else
-    char const separator = '/';
-#endif
-    return std::string(GetCurrentProcessExeDirectory().GetString()) + separator + FileName();
+    return GetCurrentProcessExeDirectory().GetString() + (kSuffixAndSeparator[1] + FileName());
 }
 
 ChildProcess::ChildProcess()
 {
-    std::string const path = Path();
+    std::string path = Path();
 #if defined(_WIN32)
     STARTUPINFOA startup{};
     startup.cb = sizeof startup;
     PROCESS_INFORMATION info{};
     std::string command = "\"" + path + "\"";
-    if (CreateProcessA(path.c_str(), command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &info)) {
-        CloseHandle(info.hThread);
-        handle = info.hProcess;
-        pid = info.dwProcessId;
-    }
+    if (!CreateProcessA(path.c_str(), command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &info))
+        return;
+    CloseHandle(info.hThread);
+    handle = info.hProcess;
+    pid = info.dwProcessId;
 #else
-    char* const argv[] = {const_cast<char*>(path.c_str()), nullptr};
+    char* const argv[] = {path.data(), nullptr};
     pid_t child = 0;
-    if (posix_spawn(&child, path.c_str(), nullptr, nullptr, argv, environ) == 0) pid = static_cast<unsigned long>(child);
+    if (posix_spawn(&child, path.c_str(), nullptr, nullptr, argv, environ) == 0)
+        pid = static_cast<unsigned long>(child);
 #endif
 }
 
