@@ -52,9 +52,7 @@ TEST(SystemCalls, FixedArgumentsFailureValuesAndErrorMessages)
     EXPECT_TRUE(GetLastErrorMsg(nullptr, ZKString("pre\0hidden", 10)) == "pre Not found.\r\n") << "up to the zero";
     static unsigned short number = 0;
     fake::System().GetNativeSystemInfo = [](zk64::platform::NativeSystemInfo* info) {
-        info->wProcessorArchitecture = number;
-        info->lpMinimumApplicationAddress = reinterpret_cast<void*>(0x10000);
-        info->lpMaximumApplicationAddress = reinterpret_cast<void*>(0x7FFFFFFEFFFF);
+        *info = {number, 0, reinterpret_cast<void*>(0x10000), reinterpret_cast<void*>(0x7FFFFFFEFFFF)};
     };
     std::string answers;
     for (number = 0; number < 13; ++number) answers += std::to_string(GetProcessorArchitecture());
