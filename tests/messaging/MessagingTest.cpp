@@ -16,21 +16,15 @@ std::vector<int> delivered;  // 100 * the receiver's number + the id
 
 struct Node : ZKMessagingObject {
     explicit Node(int number) : n(number) {}
-    void ReceiveNotify(ZKBaseMessage* message) override
-    {
-        delivered.push_back(n * 100 + static_cast<int>(message->id));
-        if (onReceive) onReceive();
-    }
-    using ZKMessagingObject::cleanupList;
-    using ZKMessagingObject::observers;
+    void ReceiveNotify(ZKBaseMessage* message) override { delivered.push_back(n * 100 + int(message->id)), act(); }
+    using ZKMessagingObject::cleanupList, ZKMessagingObject::observers;
     int n;
-    std::function<void()> onReceive;
+    std::function<void()> act = [] {};
 };
 
-std::vector<int> Send(ZKMessagingObject& from, unsigned int id)
+auto Send(ZKMessagingObject& from, unsigned int id)
 {
-    ZKBaseMessage message{id};
-    return delivered.clear(), from.Notify(&message), delivered;
+    return delivered.clear(), from.Notify(&ZKBaseMessage{id}), delivered;
 }
 
 }  // namespace
@@ -38,27 +32,23 @@ std::vector<int> Send(ZKMessagingObject& from, unsigned int id)
 TEST(Messaging, RandomOperationsMatchTheModel)
 {
     std::unique_ptr<Node> nodes[5];
-    std::vector<Node*> table[5][4];  // observers per subject and id, in attachment order
+    std::vector<Node*> table[20];  // observers of subject * 4 + id, in attachment order
     for (int i = 0; i < 5; ++i) nodes[i] = std::make_unique<Node>(i);
     std::mt19937 random(18);
     for (int step = 0; step < 6000; ++step) {
         Node *s = nodes[random() % 5].get(), *o = nodes[random() % 5].get();
         unsigned int const id = random() % 4, op = random() % 6;
-        std::vector<Node*>& entries = table[s->n][id];
+        std::vector<Node*>& entries = table[s->n * 4 + id];
         std::vector<int> expected;  // disabled observers are skipped
-        for (Node* e : entries)
-            if (e->IsReceiveNotifyEnabled()) expected.push_back(e->n * 100 + static_cast<int>(id));
+        for (Node* e : entries) e->IsReceiveNotifyEnabled() ? expected.push_back(e->n * 100 + int(id)) : void();
         ASSERT_EQ(Send(*s, id), expected) << "step " << step;
         if (op < 3) s->AttachObserver(id, o);  // once per id, never itself
         if (op < 3 && s != o && std::find(entries.begin(), entries.end(), o) == entries.end()) entries.push_back(o);
         if (op == 3) s->DetachObserver(o);           // from every id
         if (op == 4) o->SetFlagsData(random() % 4);  // bit 0 switches reception
-        for (auto& subject : table)                  // a death every partner learns of
-            for (auto& list : subject)
-                std::erase_if(list, [&](Node* e) {
-                    bool const own = &subject == &table[s->n];
-                    return (op == 5 && (own || e == s)) || (op == 3 && own && e == o);
-                });
+        for (int i = 0; i < 20; ++i)                 // a death every partner learns of
+            std::erase_if(table[i],
+                          [&](Node* e) { return i / 4 == s->n ? op == 5 || (op == 3 && e == o) : op == 5 && e == s; });
         if (op == 5) nodes[s->n] = std::make_unique<Node>(s->n);
     }
 }
@@ -78,13 +68,12 @@ TEST(Messaging, FullCleanupListChangesDuringDeliveryAndCopies)
     for (auto [id, observer] : {std::pair{6u, &x}, {1u, &b}, {2u, &b}, {7u, y.get()}, {1u, &c}})
         d.AttachObserver(id, observer);
     std::size_t const buckets = d.observers.bucket_count();
-    b.onReceive = [&] {
+    b.act = [&] {
         d.DetachObserver(&x);
         y.reset();
-        for (unsigned int i = 0; i < 40; ++i)
-            d.AttachObserver(100 + i, crowd.emplace_back(std::make_unique<Node>(7)).get());
-        d.AttachObserver(1, crowd.emplace_back(std::make_unique<Node>(8)).get());
-        b.onReceive = nullptr;
+        for (unsigned int i = 0; i < 41; ++i)
+            d.AttachObserver(i < 40 ? 100 + i : 1, crowd.emplace_back(std::make_unique<Node>(7 + i / 40)).get());
+        b.act = [] {};
     };
     EXPECT_EQ(Send(d, 1), (std::vector<int>{101, 201, 801}));
     EXPECT_GT(d.observers.bucket_count(), buckets) << "the table rehashed during the delivery";
