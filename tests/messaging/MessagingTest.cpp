@@ -7,12 +7,12 @@
 #include <zk64/zk64.h>
 
 #include <algorithm>
-#include <memory>
 #include <random>
 
 namespace {
 
 std::vector<int> delivered;  // 100 * the receiver's number + the id
+ZKBaseMessage message{0};
 
 struct Node : ZKMessagingObject {
     explicit Node(int number) : n(number) {}
@@ -24,7 +24,7 @@ struct Node : ZKMessagingObject {
 
 auto Send(ZKMessagingObject& from, unsigned int id)
 {
-    return delivered.clear(), from.Notify(&ZKBaseMessage{id}), delivered;
+    return delivered.clear(), message.id = id, from.Notify(&message), delivered;
 }
 
 }  // namespace
