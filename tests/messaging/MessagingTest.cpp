@@ -12,7 +12,6 @@
 namespace {
 
 std::vector<int> delivered;  // 100 * the receiver's number + the id
-ZKBaseMessage message{0};
 
 struct Node : ZKMessagingObject {
     explicit Node(int number) : n(number) {}
@@ -22,10 +21,7 @@ struct Node : ZKMessagingObject {
     std::function<void()> act = [] {};
 };
 
-auto Send(ZKMessagingObject& s, unsigned int id)
-{
-    return delivered.clear(), message.id = id, s.Notify(&message), delivered;
-}
+auto Send(ZKMessagingObject& s, ZKBaseMessage message) { return delivered.clear(), s.Notify(&message), delivered; }
 
 }  // namespace
 
@@ -41,7 +37,7 @@ TEST(Messaging, RandomOperationsMatchTheModel)
         std::vector<Node*>& entries = table[s->n * 4 + id];
         std::vector<int> expected;  // disabled observers are skipped
         for (Node* e : entries) e->IsReceiveNotifyEnabled() ? expected.push_back(e->n * 100 + int(id)) : void();
-        ASSERT_EQ(Send(*s, id), expected) << "step " << step;
+        ASSERT_EQ(Send(*s, {id}), expected) << "step " << step;
         if (op < 3) s->AttachObserver(id, o);  // once per id, never itself
         if (op < 3 && s != o && std::find(entries.begin(), entries.end(), o) == entries.end()) entries.push_back(o);
         if (op == 3) s->DetachObserver(o);           // from every id
@@ -60,7 +56,7 @@ TEST(Messaging, FullCleanupListChangesDuringDeliveryAndCopies)
     std::vector<std::unique_ptr<Node>> crowd;  // 512 fill the ring, which refuses removals, exactly
     for (int i = 0; i < 512; ++i) a.AttachObserver(9, crowd.emplace_back(std::make_unique<Node>(5)).get());
     EXPECT_TRUE((crowd[200].reset(), a.cleanupList.GetItemCount() == 511 && a.observers.size() == 511))
-        << "the dead one left anyway";
+        << "gone anyway";
     crowd.clear();
     // On a small table, a receiver detaches and destroys observers of other
     // ids, whose entries may be the neighbours of id 1's, and makes it rehash.
@@ -68,18 +64,18 @@ TEST(Messaging, FullCleanupListChangesDuringDeliveryAndCopies)
     for (auto [id, o] : {std::pair{6u, &x}, {1u, &b}, {2u, &b}, {7u, y.get()}, {1u, &c}}) d.AttachObserver(id, o);
     std::size_t const buckets = d.observers.bucket_count();
     b.act = [&] {
-        d.DetachObserver(&x);
-        y.reset();
+        d.DetachObserver(&x), y.reset();
         for (unsigned int i = 0; i < 41; ++i)
             d.AttachObserver(i < 40 ? 100 + i : 1, crowd.emplace_back(std::make_unique<Node>(7 + i / 40)).get());
         b.act = [] {};
     };
-    EXPECT_TRUE(Send(d, 1) == (std::vector<int>{101, 201, 801}) && d.observers.bucket_count() > buckets) << "rehashed";
+    EXPECT_TRUE(Send(d, {1}) == (std::vector<int>{101, 201, 801}) && d.observers.bucket_count() > buckets)
+        << "rehashed";
     d.Notify(nullptr), d.SetFlagsData(0b1110);  // null is ignored; only bit 0 travels in a copy or an assignment
     Node copy(d), target(9);
     target.SetFlagsData(0b1001), static_cast<ZKMessagingObject&>(target) = copy;
     EXPECT_TRUE(copy.GetFlagsData() == 0 && target.GetFlagsData() == 0b1000 && target.observers == d.observers);
-    EXPECT_EQ(Send(copy, 1), (std::vector<int>{101, 201, 801})) << "copies are not registered";
-    d.RemoveAllObservers();
-    EXPECT_TRUE(Send(d, 1).empty() && d.cleanupList.GetItemCount() == 44 && b.cleanupList.GetItemCount() == 1);
+    EXPECT_EQ(Send(copy, {1}), (std::vector<int>{101, 201, 801})) << "copies are not registered";
+    EXPECT_TRUE((d.RemoveAllObservers(), Send(d, {1}).empty()) && d.cleanupList.GetItemCount() == 44 &&
+                b.cleanupList.GetItemCount() == 1);
 }
