@@ -34,8 +34,8 @@ TEST(Thread, RunningFlagBodiesJoinsMovesAndTheDestructor)
     ran = -1;
     ASSERT_TRUE(Eventually([&] { return ran == 1; })) << "the running thread keeps its own copy of the body";
     EXPECT_TRUE(thread.IsJoinable()) << "finished but not joined";
-    thread.JoinThread();
-    EXPECT_TRUE(thread.IsRunning() && !thread.IsJoinable()) << "neither the body's end nor a join clears it";
+    EXPECT_TRUE((thread.JoinThread(), thread.IsRunning() && !thread.IsJoinable()))
+        << "neither the body's end nor a join clears it";
     ASSERT_TRUE(thread.RunThread());
     thread.ShutdownThread(), thread.ShutdownThread();  // the second has nothing left to join: no error
     EXPECT_TRUE(ran == 12 && !thread.IsRunning() && thread.GetID().id == 1) << "returns once the body returned";
@@ -70,7 +70,7 @@ TEST(ThreadDeathTest, MisuseAndEscapingJobsEndTheProcess)
 }
 #endif
 
-TEST(Locks, AtomicsMutexAndGuard)
+TEST(Locks, AtomicsMutexGuardAndTheRealClocks)
 {
     __ZKAtomic<unsigned long long> wide(1ull << 63);  // Load tells only whether it is non-zero
     __ZKAtomic<bool> flag(true);
@@ -87,12 +87,8 @@ TEST(Locks, AtomicsMutexAndGuard)
     auto* native = static_cast<pthread_mutex_t*>(mutex.GetNativeMutexHandle());
     ASSERT_EQ(pthread_mutex_trylock(native), 0) << "the guard released it, also when an exception passed";
     EXPECT_FALSE(freeForOthers()) << "locked natively, the object is busy";
-    pthread_mutex_unlock(native);
-    EXPECT_TRUE(freeForOthers());
-}
+    EXPECT_TRUE((pthread_mutex_unlock(native), freeForOthers()));
 
-TEST(Time, StampsTimerAndDateStringsOnTheRealClocks)
-{
     EXPECT_TRUE(GetElapsedMilliseconds({1999999}, {0}) == 1 &&
                 GetElapsedMilliseconds({0}, {1000000}) == (0ull - 1000000) / 1000000)
         << "an unsigned difference";
