@@ -25,35 +25,34 @@ auto Send(ZKMessagingObject& s, ZKBaseMessage message) { return delivered.clear(
 
 }  // namespace
 
-TEST(Messaging, RandomOperationsMatchTheModel)
+TEST(Messaging, RandomWalkAgainstAModelThenCleanupChangesDuringDeliveryAndCopies)
 {
-    std::unique_ptr<Node> nodes[5];
-    std::vector<Node*> table[20];  // observers of subject * 4 + id, in attachment order
+    std::vector<std::unique_ptr<Node>> nodes(5), crowd;
+    std::vector<Node*> m[20];  // observers of subject * 4 + id, in attachment order
     for (int i = 0; i < 5; ++i) nodes[i] = std::make_unique<Node>(i);
     std::mt19937 random(18);
     for (int step = 0; step < 6000; ++step) {
         Node *s = nodes[random() % 5].get(), *o = nodes[random() % 5].get();
         unsigned int const id = random() % 4, op = random() % 6;
-        std::vector<Node*>& entries = table[s->n * 4 + id];
+        std::vector<Node*>& entries = m[s->n * 4 + id];
         std::vector<int> expected;  // disabled observers are skipped
         for (Node* e : entries) e->IsReceiveNotifyEnabled() ? expected.push_back(e->n * 100 + int(id)) : void();
         ASSERT_EQ(Send(*s, {id}), expected) << "step " << step;
-        if (op < 3) s->AttachObserver(id, o);  // once per id, never itself
-        if (op < 3 && s != o && std::find(entries.begin(), entries.end(), o) == entries.end()) entries.push_back(o);
-        if (op == 3) s->DetachObserver(o);           // from every id
+        // Attached once per id, never to itself; detached from every id; a death every partner learns of.
+        if (op < 3) s->AttachObserver(id, o);
+        if (op < 3 && s != o && std::ranges::find(entries, o) == entries.end()) entries.push_back(o);
+        if (op == 3) s->DetachObserver(o);
         if (op == 4) o->SetFlagsData(random() % 4);  // bit 0 switches reception
-        for (int i = 0; i < 20; ++i)                 // a death every partner learns of
-            std::erase_if(table[i],
-                          [&](Node* e) { return i / 4 == s->n ? op == 5 || (op == 3 && e == o) : op == 5 && e == s; });
+        for (int k = 0; op == 3 && k < 4; ++k) std::erase(m[s->n * 4 + k], o);
+        for (int i = 0; op == 5 && i < 20; ++i) std::erase_if(m[i], [&](Node* e) { return i / 4 == s->n || e == s; });
         if (op == 5) nodes[s->n] = std::make_unique<Node>(s->n);
     }
-}
 
-TEST(Messaging, FullCleanupListChangesDuringDeliveryAndCopies)
-{
+    // What the walk does not reach: a full clean-up list, a table changed during
+    // a delivery, copies.
     Node a(0), b(1), c(2), d(3), x(4);
     EXPECT_TRUE(a.GetFlagsData() == 1 && a.observers.bucket_count() >= 8 && a.observers.max_load_factor() == 1.0f);
-    std::vector<std::unique_ptr<Node>> crowd;  // 512 fill the ring exactly; a dead one leaves anyway
+    // 512 fill the ring exactly; a dead one leaves anyway.
     for (int i = 0; i < 512; ++i) a.AttachObserver(9, crowd.emplace_back(std::make_unique<Node>(5)).get());
     EXPECT_TRUE((crowd[200].reset(), a.cleanupList.GetItemCount() == 511 && a.observers.size() == 511));
     crowd.clear();
@@ -69,7 +68,9 @@ TEST(Messaging, FullCleanupListChangesDuringDeliveryAndCopies)
         b.act = [] {};
     };
     EXPECT_TRUE(Send(d, {1}) == (std::vector<int>{101, 201, 801}) && d.observers.bucket_count() > buckets);
-    d.Notify(nullptr), d.SetFlagsData(0b1110);  // null is ignored; only bit 0 travels in a copy or an assignment
+    d.Notify(nullptr),
+        d.SetFlagsData(0b1110);  // null is ignored; only bit 0 travels in a copy
+                                 // or an assignment
     Node copy(d), target(9);
     target.SetFlagsData(0b1001), static_cast<ZKMessagingObject&>(target) = copy;
     EXPECT_TRUE(copy.GetFlagsData() == 0 && target.GetFlagsData() == 0b1000 && target.observers == d.observers);

@@ -11,27 +11,24 @@
 
 namespace fake = zk64::platform::fake;
 
-TEST(ProgramArgs, KeyExtentValuesAndLookup)
+TEST(SystemCalls, ProgramArgsAndThePlatformCalls)
 {
-    // The table is process-wide and never cleared: these keys are used nowhere else.
+    // The table is process-wide and never cleared: these keys are used nowhere
+    // else.
     char const* argv[] = {"pl", "-a", "-b", "x-y", "1", "a -m v", "2", "-a", "3", "-", "-Z", nullptr};
     EXPECT_TRUE(LoadProgramArgs(11, const_cast<char**>(argv)) && LoadProgramArgs(0, nullptr));
     for (auto [key, value] : {std::pair{"-a", "-b"}, {"-b", "x-y"}, {"x-y", "1"}, {"-m", "2"}, {"-", "-Z"}, {"-Z", ""}})
         EXPECT_TRUE(HasProgramArg(key) && GetProgramArgData(key) == value) << key;
     for (char const* absent : {"pl", "1", "a -m", "-A", ""}) EXPECT_FALSE(HasProgramArg(absent)) << absent;
     EXPECT_TRUE(HasProgramArg(ZKString("-Z\0junk", 7)) && GetProgramArgData("-c").IsEmpty()) << "cut at the zero";
-}
 
-TEST(SystemCalls, FixedArgumentsFailureValuesAndErrorMessages)
-{
-    fake::Reset();
-    fake::SetLastErrorValue(317);
+    // The platform calls, their fixed arguments and failure values, through the
+    // fake backend.
+    fake::Reset(), fake::SetLastErrorValue(317);
     EXPECT_TRUE(GetCurrentUserName().IsEmpty() && GetMemoryLoadPercent() == 0) << "failing calls";
     EXPECT_EQ(GetLastErrorMsg(nullptr, "x").GetSize(), 2) << "prefix and blank over a failed lookup";
     fake::System().GetComputerNameA = [](char* b, auto* s) { return fake::ReturnText("HOST", b, s, false); };
-    fake::System().GlobalMemoryStatusEx = [](zk64::platform::MemoryStatusEx* m) {
-        return *m = {m->dwLength, 42, 0x12345678FFull, 2047, 1u << 20}, 1;
-    };
+    fake::System().GlobalMemoryStatusEx = [](auto* m) { return *m = {64, 42, 0x12345678FFull, 2047, 1u << 20}, 1; };
     fake::System().IsDebuggerPresent = [] { return 7; };
     EXPECT_TRUE(GetComputerNameLocal() == "HOST" && IsDebuggerAttached() && GetMemoryLoadPercent() == 42 &&
                 GetSystemPhysicalMemoryTotalKB() == 0x12345678FFull >> 10 &&
@@ -42,9 +39,8 @@ TEST(SystemCalls, FixedArgumentsFailureValuesAndErrorMessages)
     };
     unsigned long code = 0;
     EXPECT_TRUE(GetLastErrorMsg(&code, "") == "Not found.\r\n" && code == 317) << "the returned length";
-    std::string const memory = "GlobalMemoryStatusEx(dwLength=64)",
-                      format =
-                          "FormatMessageA(flags=0x1300, source=null, id=317, language=0x400, size=0, arguments=null)";
+    auto const* memory = "GlobalMemoryStatusEx(dwLength=64)";
+    auto const* format = "FormatMessageA(flags=0x1300, source=null, id=317, language=0x400, size=0, arguments=null)";
     EXPECT_EQ(fake::TakeCalls(),
               (fake::Calls{"GetUserNameA(size=257)", memory, "GetLastError()", format, "LocalFree(null)",
                            "GetComputerNameA(size=16)", "IsDebuggerPresent()", memory, memory, memory, memory,
@@ -56,7 +52,8 @@ TEST(SystemCalls, FixedArgumentsFailureValuesAndErrorMessages)
     };
     std::string answers;
     for (number = 0; number < 13; ++number) answers += std::to_string(GetProcessorArchitecture());
-    // Machines 0 (x86), 5 (ARM), 6 (Itanium) and 9 (x64) are the library's 3, 1, 2 and 0; the rest unknown (4).
+    // Machines 0 (x86), 5 (ARM), 6 (Itanium) and 9 (x64) are the library's 3, 1,
+    // 2 and 0; the rest unknown (4).
     EXPECT_EQ(answers, "3444412440444");
     EXPECT_EQ(GetSystemMaxApplicationAddress() - GetSystemMinApplicationAddress(), 0x7FFFFFFEFFFFu - 0x10000u);
 }
