@@ -8,8 +8,8 @@
 template <class Condition>
 bool Eventually(Condition condition)
 {
-    auto const deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-    for (; !condition(); std::this_thread::yield())
+    for (auto const deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10); !condition();
+         std::this_thread::yield())
         if (std::chrono::steady_clock::now() > deadline) return false;
     return true;
 }
