@@ -16,7 +16,8 @@
 // The error must compare equal in the caller's runtime, category included.
 static std::error_code ErrorOf(void (ZKThread::*call)(), ZKThread& thread)
 try {
-    return (thread.*call)(), std::error_code();
+    (thread.*call)();
+    return std::error_code();
 } catch (std::system_error const& error) {
     return error.code();
 }
@@ -95,7 +96,9 @@ TEST(Locks, AtomicsMutexGuardAndTheRealClocks)
     auto const clockBefore = std::chrono::steady_clock::now();
     TimeStamp const before = GetTimeStamp();
     ZKTimer timer;
-    timer.Start(), ZKThread::Sleep(20), timer.UpdateElapsedTime();
+    timer.Start();
+    ZKThread::Sleep(20);
+    timer.UpdateElapsedTime();
     unsigned long long const stamps = GetElapsedMilliseconds(GetTimeStamp(), before);
     auto const clock = std::chrono::steady_clock::now() - clockBefore;
     EXPECT_TRUE(timer.GetElapsedMicrosecondsInt64() >= 20000 &&

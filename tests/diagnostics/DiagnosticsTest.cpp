@@ -21,18 +21,22 @@ TEST(LogFile, NamesAndTheOutputDebuggerAndLogSidesOfEveryForm)
     // Checked first: nothing else in this program touches the names.
     EXPECT_TRUE(GET_FULL_LOG_PATH() == "../logs/SYSLOG.log" && GET_LOG_DIRECTORY() == "../logs/" &&
                 GET_LOG_FILE_EXT() == ".log" && GET_LOG_FILENAME() == std::string("SYSLOG"));
-    SET_LOG_DIRECTORY("logs"), SET_LOG_FILE_EXT("txt");
+    SET_LOG_DIRECTORY("logs");
+    SET_LOG_FILE_EXT("txt");
     EXPECT_TRUE(GET_FULL_LOG_PATH() == "logsSYSLOGtxt") << "no separator is added";
     SET_LOG_FILENAME("test");
     EXPECT_EQ(GET_LOG_FILENAME(), GET_LOG_FILENAME()) << "the same storage, not a copy";
 
     zk64::test::TempDir scratch("log-forms");
     std::string const directory = std::filesystem::path(scratch.Dir()).generic_string() + "/", big(100000, 'z');
-    SET_LOG_DIRECTORY(directory.c_str()), SET_LOG_FILE_EXT(".log");
+    SET_LOG_DIRECTORY(directory.c_str());
+    SET_LOG_FILE_EXT(".log");
     auto const history = [&] {  // the buffer's whole history, as WRITE_LOG_FILE writes it onto an empty file
-        CLEAR_LOG_FILE(), WRITE_LOG_FILE();
+        CLEAR_LOG_FILE();
+        WRITE_LOG_FILE();
         std::string const text = scratch.Read("test.log");
-        return CLEAR_LOG_FILE(), text;
+        CLEAR_LOG_FILE();
+        return text;
     };
     std::string const before = history();
     std::string const start = ">>> Start Trace Context: ", end = "<<< End Trace Context: ";

@@ -47,7 +47,9 @@ TEST(MemoryHelpers, NullAndZeroLengthNeverTouchMemory)
 {
     unsigned char buffer[4] = {1, 2, 3, 4};
     unsigned char const source[4] = {9, 9, 9, 9};
-    MemoryCopy(nullptr, source, 4), MemoryCopy(buffer, nullptr, 4), MemoryCopy(buffer, source, 0);
+    MemoryCopy(nullptr, source, 4);
+    MemoryCopy(buffer, nullptr, 4);
+    MemoryCopy(buffer, source, 0);
     MemorySet(nullptr, 7, 4), MemorySet(buffer, 7, 0), MemoryCopy(buffer, source, 2), MemorySet(buffer + 3, 0xAB, 1);
     EXPECT_EQ(std::vector<int>(buffer, buffer + 4), (std::vector<int>{9, 9, 3, 0xAB}));
     EXPECT_FALSE(MemoryCompareEqual(buffer, buffer, 0)) << "two empty ranges are not equal";

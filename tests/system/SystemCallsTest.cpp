@@ -24,7 +24,8 @@ TEST(SystemCalls, ProgramArgsAndThePlatformCalls)
 
     // The platform calls, their fixed arguments and failure values, through the
     // fake backend.
-    fake::Reset(), fake::SetLastErrorValue(317);
+    fake::Reset();
+    fake::SetLastErrorValue(317);
     EXPECT_TRUE(GetCurrentUserName().IsEmpty() && GetMemoryLoadPercent() == 0) << "failing calls";
     EXPECT_EQ(GetLastErrorMsg(nullptr, "x").GetSize(), 2) << "prefix and blank over a failed lookup";
     fake::System().GetComputerNameA = [](char* b, auto* s) { return fake::ReturnText("HOST", b, s, false); };
