@@ -14,7 +14,9 @@ HANDLE CreateFileA(char const* path, DWORD desiredAccess, DWORD shareMode, void*
                  ", share=" + fake::Hex(shareMode) + ", attributes=" + fake::Pointer(securityAttributes) +
                  ", disposition=" + fake::Dec(creationDisposition) + ", flags=" + fake::Hex(flagsAndAttributes) +
                  ", template=" + fake::Pointer(templateFile) + ")");
-    return fake::Run<HANDLE>(fake::DirectoryChanges().CreateFileA, kInvalidHandleValue, path, desiredAccess, shareMode, securityAttributes, creationDisposition, flagsAndAttributes, templateFile);
+    return fake::Noted(fake::Run<HANDLE>(fake::DirectoryChanges().CreateFileA, kInvalidHandleValue, path, desiredAccess,
+                                         shareMode, securityAttributes, creationDisposition, flagsAndAttributes,
+                                         templateFile));
 }
 
 BOOL ReadDirectoryChangesW(HANDLE directory, void* buffer, DWORD bufferLength, BOOL watchSubtree, DWORD notifyFilter,
@@ -25,7 +27,8 @@ BOOL ReadDirectoryChangesW(HANDLE directory, void* buffer, DWORD bufferLength, B
                  ", filter=" + fake::Hex(notifyFilter) + ", bytes=" + fake::Out(bytesReturned) + ", overlapped=" +
                  (overlapped == nullptr ? std::string("null") : "{event=" + fake::Pointer(overlapped->hEvent) + "}") +
                  ", routine=" + fake::Pointer(completionRoutine) + ")");
-    return fake::Run<BOOL>(fake::DirectoryChanges().ReadDirectoryChangesW, 0, directory, buffer, bufferLength, watchSubtree, notifyFilter, bytesReturned, overlapped, completionRoutine);
+    return fake::Run<BOOL>(fake::DirectoryChanges().ReadDirectoryChangesW, 0, directory, buffer, bufferLength,
+                           watchSubtree, notifyFilter, bytesReturned, overlapped, completionRoutine);
 }
 
 }  // namespace zk64::platform

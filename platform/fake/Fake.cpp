@@ -2,9 +2,12 @@
 
 #include "DesktopScript.h"
 
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <mutex>
+#include <set>
+#include <string_view>
 
 namespace zk64::platform::fake {
 namespace {
@@ -25,7 +28,46 @@ struct State {
     InputScript input;
     ShellScript shell;
     DesktopScript desktop;
+    std::multiset<void const*> open;  // the handle ledger
+    std::size_t strayCloses = 0;
 };
+
+// The call being made on this thread (its name), and the fault counters.
+thread_local std::string currentCall;
+thread_local unsigned long fallibleCalls = 0;
+thread_local unsigned long failingCall = 0;
+thread_local std::string failedCall;
+
+// The last error each call sets for its usual failure; others set
+// ERROR_ACCESS_DENIED (5).
+struct FaultError {
+    std::string_view call;
+    DWORD error;
+};
+constexpr FaultError kFaultErrors[] = {
+    {"OpenProcess", 87},  // ERROR_INVALID_PARAMETER: no such process
+    {"CreateFileA", 2},   // ERROR_FILE_NOT_FOUND
+    {"FindFirstFileA", 2},
+    {"FindNextFileA", 18},             // ERROR_NO_MORE_FILES
+    {"GetModuleHandleA", 126},         // ERROR_MOD_NOT_FOUND
+    {"K32EnumProcessModulesEx", 299},  // ERROR_PARTIAL_COPY
+    {"K32GetModuleFileNameExA", 299},
+    {"ReadProcessMemory", 299},
+    {"WriteProcessMemory", 998},  // ERROR_NOACCESS
+    {"VirtualQueryEx", 87},
+    {"CloseHandle", 6},  // ERROR_INVALID_HANDLE
+    {"FindClose", 6},
+    {"WaitForSingleObject", 6},
+    {"LookupPrivilegeValueA", 1313},  // ERROR_NO_SUCH_PRIVILEGE
+    {"GetComputerNameA", 111},        // ERROR_BUFFER_OVERFLOW
+    {"GetUserNameA", 122},            // ERROR_INSUFFICIENT_BUFFER
+    {"RegisterRawInputDevices", 87},
+};
+
+bool Uncounted(void const* handle)
+{
+    return handle == nullptr || handle == reinterpret_cast<void const*>(~std::uintptr_t{0});
+}
 
 // Built on first use: the fake has no start-up order to respect.
 State& Shared()
@@ -77,7 +119,64 @@ void Reset()
     Shared().input = InputScript{};
     Shared().shell = ShellScript{};
     Shared().desktop = DesktopScript{};
+    {
+        std::lock_guard<std::mutex> guard(Shared().lock);
+        Shared().open.clear();
+        Shared().strayCloses = 0;
+    }
+    fallibleCalls = 0;
+    failingCall = 0;
     SetLastErrorValue(0);
+}
+
+void FailCall(unsigned long n) { failingCall = n; }
+
+unsigned long FallibleCalls() { return fallibleCalls; }
+
+std::string FailedCall() { return failedCall; }
+
+bool FaultHere()
+{
+    if (++fallibleCalls != failingCall) return false;
+    failedCall = currentCall;
+    std::string_view const name = currentCall;
+    DWORD error = 5;
+    for (FaultError const& entry : kFaultErrors) {
+        if (entry.call == name) error = entry.error;
+    }
+    SetLastErrorValue(error);
+    return true;
+}
+
+void Opened(void const* handle)
+{
+    if (Uncounted(handle)) return;
+    std::lock_guard<std::mutex> guard(Shared().lock);
+    Shared().open.insert(handle);
+}
+
+void Closed(void const* handle)
+{
+    if (Uncounted(handle)) return;
+    std::lock_guard<std::mutex> guard(Shared().lock);
+    auto const found = Shared().open.find(handle);
+    if (found == Shared().open.end()) {
+        ++Shared().strayCloses;
+    } else {
+        Shared().open.erase(found);
+    }
+}
+
+std::size_t OpenHandles()
+{
+    std::lock_guard<std::mutex> guard(Shared().lock);
+    return Shared().open.size();
+}
+
+std::size_t StrayCloses()
+{
+    std::lock_guard<std::mutex> guard(Shared().lock);
+    return Shared().strayCloses;
 }
 
 BOOL ReturnText(char const* text, char* buffer, DWORD* size, bool countTerminator)
@@ -124,6 +223,7 @@ std::string Quoted(char const* text)
 
 void Record(std::string call)
 {
+    currentCall.assign(call, 0, call.find('('));
     std::lock_guard<std::mutex> guard(Shared().lock);
     Shared().calls.push_back(std::move(call));
 }

@@ -40,8 +40,8 @@ using Calls = std::vector<std::string>;
 Calls TakeCalls();
 
 struct SystemScript {
-    std::function<DWORD(DWORD flags, void const* source, DWORD messageId, DWORD languageId, char* buffer,
-                        DWORD size, void* arguments)>
+    std::function<DWORD(DWORD flags, void const* source, DWORD messageId, DWORD languageId, char* buffer, DWORD size,
+                        void* arguments)>
         FormatMessageA;
     std::function<void(NativeSystemInfo* info)> GetNativeSystemInfo;
     std::function<BOOL(MemoryStatusEx* status)> GlobalMemoryStatusEx;
@@ -132,8 +132,7 @@ PackagesScript& Packages();
 IconsScript& Icons();
 
 struct HandlesScript {
-    std::function<HANDLE(void* securityAttributes, BOOL manualReset, BOOL initialState, char const* name)>
-        CreateEventA;
+    std::function<HANDLE(void* securityAttributes, BOOL manualReset, BOOL initialState, char const* name)> CreateEventA;
     std::function<DWORD(HANDLE handle, DWORD milliseconds)> WaitForSingleObject;
     std::function<BOOL(HANDLE event)> ResetEvent;
     std::function<BOOL(HANDLE handle)> CloseHandle;
@@ -151,8 +150,8 @@ struct DirectoryChangesScript {
 };
 
 struct TextScript {
-    std::function<int(unsigned int codePage, DWORD flags, WCHAR const* wide, int wideCount, char* bytes,
-                      int byteCount, char const* defaultChar, BOOL* usedDefaultChar)>
+    std::function<int(unsigned int codePage, DWORD flags, WCHAR const* wide, int wideCount, char* bytes, int byteCount,
+                      char const* defaultChar, BOOL* usedDefaultChar)>
         WideCharToMultiByte;
 };
 
@@ -177,8 +176,37 @@ ShellScript& Shell();
 // A GUID in its registry form, "{XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX}".
 std::string GuidText(Guid const& guid);
 
-// Forgets the recorded calls and every script, and sets the last error to 0.
+// Forgets the recorded calls, every script, the armed fault and the handle
+// ledger, and sets the last error to 0.
 void Reset();
+
+// Faults. The calls that can fail are counted per thread from Reset on;
+// FailCall(n) makes the n-th of them on this thread fail as the system's call
+// would: it answers its failure value, touches nothing, and sets the last
+// error the real call sets for its usual failure. FailCall(0) disarms.
+void FailCall(unsigned long n);
+unsigned long FallibleCalls();
+// The name of the call that failed last on this thread.
+std::string FailedCall();
+// For the fake operations: whether the call being made is the one to fail
+// (it then sets the last error).
+bool FaultHere();
+
+// The handle ledger: the operations that hand out a handle, memory block or
+// object note it, the ones that give it back strike it. A stray close names
+// something not open (closed twice, or never handed out); null and the
+// current-process pseudo handle are not counted.
+void Opened(void const* handle);
+// Notes `handle` as opened and answers it.
+template <class Handle>
+Handle Noted(Handle handle)
+{
+    Opened(handle);
+    return handle;
+}
+void Closed(void const* handle);
+std::size_t OpenHandles();
+std::size_t StrayCloses();
 // Sets the calling thread's last error without recording a call.
 void SetLastErrorValue(DWORD code);
 

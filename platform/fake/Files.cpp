@@ -12,13 +12,14 @@ BOOL GetVolumeInformationA(char const* rootPath, char* volumeName, DWORD volumeN
 {
     fake::Record("GetVolumeInformationA(root=" + fake::Quoted(rootPath) + ", volumeName=" + fake::Out(volumeName) +
                  ", serial=" + fake::Out(serialNumber) + ", fileSystemName=" + fake::Out(fileSystemName) + ")");
-    return fake::Run<BOOL>(fake::Files().GetVolumeInformationA, 0, rootPath, volumeName, volumeNameSize, serialNumber, maximumComponentLength, fileSystemFlags, fileSystemName, fileSystemNameSize);
+    return fake::Run<BOOL>(fake::Files().GetVolumeInformationA, 0, rootPath, volumeName, volumeNameSize, serialNumber,
+                           maximumComponentLength, fileSystemFlags, fileSystemName, fileSystemNameSize);
 }
 
 HANDLE FindFirstFileA(char const* pattern, FindDataA* data)
 {
     fake::Record("FindFirstFileA(pattern=" + fake::Quoted(pattern) + ", data=" + fake::Out(data) + ")");
-    return fake::Run<HANDLE>(fake::Files().FindFirstFileA, kInvalidHandleValue, pattern, data);
+    return fake::Noted(fake::Run<HANDLE>(fake::Files().FindFirstFileA, kInvalidHandleValue, pattern, data));
 }
 
 BOOL FindNextFileA(HANDLE find, FindDataA* data)
@@ -30,6 +31,7 @@ BOOL FindNextFileA(HANDLE find, FindDataA* data)
 BOOL FindClose(HANDLE find)
 {
     fake::Record("FindClose(find=" + fake::Pointer(find) + ")");
+    fake::Closed(find);
     return fake::Run<BOOL>(fake::Files().FindClose, 0, find);
 }
 

@@ -17,10 +17,11 @@ std::string Block(Overlapped const* overlapped)
 
 HANDLE CreateEventA(void* securityAttributes, BOOL manualReset, BOOL initialState, char const* name)
 {
-    fake::Record("CreateEventA(attributes=" + fake::Pointer(securityAttributes) + ", manualReset=" +
-                 fake::Dec(static_cast<unsigned>(manualReset)) + ", initialState=" +
+    fake::Record("CreateEventA(attributes=" + fake::Pointer(securityAttributes) +
+                 ", manualReset=" + fake::Dec(static_cast<unsigned>(manualReset)) + ", initialState=" +
                  fake::Dec(static_cast<unsigned>(initialState)) + ", name=" + fake::Quoted(name) + ")");
-    return fake::Run<HANDLE>(fake::Handles().CreateEventA, nullptr, securityAttributes, manualReset, initialState, name);
+    return fake::Noted(
+        fake::Run<HANDLE>(fake::Handles().CreateEventA, nullptr, securityAttributes, manualReset, initialState, name));
 }
 
 DWORD WaitForSingleObject(HANDLE handle, DWORD milliseconds)
@@ -38,6 +39,7 @@ BOOL ResetEvent(HANDLE event)
 BOOL CloseHandle(HANDLE handle)
 {
     fake::Record("CloseHandle(handle=" + fake::Pointer(handle) + ")");
+    fake::Closed(handle);
     return fake::Run<BOOL>(fake::Handles().CloseHandle, 0, handle);
 }
 

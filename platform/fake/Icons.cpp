@@ -27,28 +27,38 @@ std::string ResourceName(char const* name)
     return value < 0x10000 ? "#" + Dec(value) : Quoted(name);
 }
 
-std::string Signed(int value) { return value < 0 ? "-" + Dec(0ull - static_cast<unsigned long long>(value)) : Dec(static_cast<unsigned>(value)); }
+std::string Signed(int value)
+{
+    return value < 0 ? "-" + Dec(0ull - static_cast<unsigned long long>(value)) : Dec(static_cast<unsigned>(value));
+}
 
 }  // namespace
 
-HICON LoadImageA(HINSTANCE__* instance, char const* name, unsigned int type, int width, int height,
-                 unsigned int flags)
+HICON LoadImageA(HINSTANCE__* instance, char const* name, unsigned int type, int width, int height, unsigned int flags)
 {
     Record("LoadImageA(instance=" + Pointer(instance) + ", name=" + ResourceName(name) + ", type=" + Dec(type) +
            ", width=" + Signed(width) + ", height=" + Signed(height) + ", flags=" + Hex(flags) + ")");
-    return Run<HICON>(Icons().LoadImageA, nullptr, name, type, width, height, flags);
+    HICON const icon = Run<HICON>(Icons().LoadImageA, nullptr, name, type, width, height, flags);
+    if ((flags & kLrShared) == 0) fake::Opened(icon);  // shared icons belong to the system
+    return icon;
 }
 
 unsigned int ExtractIconExA(char const* file, int index, HICON* large, HICON* small, unsigned int count)
 {
-    Record("ExtractIconExA(" + Quoted(file) + ", index=" + Signed(index) + ", large=" + Out(large) + ", small=" +
-           Out(small) + ", count=" + Dec(count) + ")");
-    return Run<unsigned int>(Icons().ExtractIconExA, 0u, file, index, large, small, count);
+    Record("ExtractIconExA(" + Quoted(file) + ", index=" + Signed(index) + ", large=" + Out(large) +
+           ", small=" + Out(small) + ", count=" + Dec(count) + ")");
+    unsigned int const extracted = Run<unsigned int>(Icons().ExtractIconExA, 0u, file, index, large, small, count);
+    if (extracted != 0 && index >= 0) {
+        if (large != nullptr) fake::Opened(*large);
+        if (small != nullptr) fake::Opened(*small);
+    }
+    return extracted;
 }
 
 BOOL DestroyIcon(HICON icon)
 {
     Record("DestroyIcon(" + Pointer(icon) + ")");
+    fake::Closed(icon);
     return Run<BOOL>(Icons().DestroyIcon, 0, icon);
 }
 

@@ -59,7 +59,9 @@ LONG32 OpenPackageInfoByFullName(WCHAR const* fullName, UINT32 reserved, Package
 {
     Record("OpenPackageInfoByFullName(" + QuotedWide(fullName) + ", reserved=" + Dec(reserved) +
            ", reference=" + Out(reference) + ")");
-    return Run<LONG32>(Packages().OpenPackageInfoByFullName, kNotSupported, fullName, reference);
+    LONG32 const opened = Run<LONG32>(Packages().OpenPackageInfoByFullName, kNotSupported, fullName, reference);
+    if (opened == 0) fake::Opened(*reference);
+    return opened;
 }
 
 LONG32 GetPackageInfo(PackageInfoReference reference, UINT32 flags, UINT32* bufferLength, unsigned char* buffer,
@@ -73,6 +75,7 @@ LONG32 GetPackageInfo(PackageInfoReference reference, UINT32 flags, UINT32* buff
 LONG32 ClosePackageInfo(PackageInfoReference reference)
 {
     Record("ClosePackageInfo(" + Pointer(reference) + ")");
+    fake::Closed(reference);
     return 0;
 }
 

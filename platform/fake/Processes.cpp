@@ -19,21 +19,26 @@ using fake::Quoted;
 using fake::Record;
 using fake::Run;
 
-BOOL WTSEnumerateProcessesA(HANDLE server, DWORD reserved, DWORD version, WtsProcessInfoA** processes,
-                            DWORD* count)
+BOOL WTSEnumerateProcessesA(HANDLE server, DWORD reserved, DWORD version, WtsProcessInfoA** processes, DWORD* count)
 {
     Record("WTSEnumerateProcessesA(server=" + Pointer(server) + ", reserved=" + Dec(reserved) +
            ", version=" + Dec(version) + ", processes=" + Out(processes) + ", count=" + Out(count) + ")");
-    return Run<BOOL>(Processes().WTSEnumerateProcessesA, 0, processes, count);
+    BOOL const listed = Run<BOOL>(Processes().WTSEnumerateProcessesA, 0, processes, count);
+    if (listed) fake::Opened(*processes);
+    return listed;
 }
 
-void WTSFreeMemory(void* memory) { Record("WTSFreeMemory(" + Pointer(memory) + ")"); }
+void WTSFreeMemory(void* memory)
+{
+    Record("WTSFreeMemory(" + Pointer(memory) + ")");
+    fake::Closed(memory);
+}
 
 HANDLE OpenProcess(DWORD access, BOOL inheritHandle, DWORD processId)
 {
     Record("OpenProcess(access=" + Hex(access) + ", inherit=" + Dec(static_cast<unsigned>(inheritHandle)) +
            ", pid=" + Dec(processId) + ")");
-    return Run<HANDLE>(Processes().OpenProcess, nullptr, access, inheritHandle, processId);
+    return fake::Noted(Run<HANDLE>(Processes().OpenProcess, nullptr, access, inheritHandle, processId));
 }
 
 DWORD GetProcessId(HANDLE process)
@@ -69,12 +74,13 @@ HMODULE GetModuleHandleA(char const* moduleName)
 char* GetEnvironmentStrings()
 {
     Record("GetEnvironmentStrings()");
-    return Run<char*>(Processes().GetEnvironmentStrings, nullptr);
+    return fake::Noted(Run<char*>(Processes().GetEnvironmentStrings, nullptr));
 }
 
 BOOL FreeEnvironmentStringsA(char* block)
 {
     Record("FreeEnvironmentStringsA(" + Pointer(block) + ")");
+    fake::Closed(block);
     return 1;
 }
 
@@ -93,8 +99,8 @@ BOOL K32EnumProcessModulesEx(HANDLE process, HMODULE* modules, DWORD bytes, DWOR
 
 DWORD K32GetModuleFileNameExA(HANDLE process, HMODULE module, char* buffer, DWORD size)
 {
-    Record("K32GetModuleFileNameExA(" + Pointer(process) + ", module=" + Pointer(module) + ", buffer=" +
-           Out(buffer) + ", size=" + Dec(size) + ")");
+    Record("K32GetModuleFileNameExA(" + Pointer(process) + ", module=" + Pointer(module) + ", buffer=" + Out(buffer) +
+           ", size=" + Dec(size) + ")");
     return Run<DWORD>(Processes().K32GetModuleFileNameExA, 0, process, module, buffer, size);
 }
 
@@ -102,8 +108,8 @@ HINSTANCE__* ShellExecuteA(HWND owner, char const* verb, char const* file, char 
                            char const* directory, int show)
 {
     Record("ShellExecuteA(owner=" + Pointer(owner) + ", verb=" + Quoted(verb) + ", file=" + Quoted(file) +
-           ", parameters=" + Quoted(parameters) + ", directory=" + Quoted(directory) + ", show=" +
-           Dec(static_cast<unsigned>(show)) + ")");
+           ", parameters=" + Quoted(parameters) + ", directory=" + Quoted(directory) +
+           ", show=" + Dec(static_cast<unsigned>(show)) + ")");
     return Run<HINSTANCE__*>(Processes().ShellExecuteA, nullptr, verb, file, parameters);
 }
 
@@ -139,8 +145,8 @@ BOOL SetPriorityClass(HANDLE process, DWORD priorityClass)
 
 BOOL GetProcessAffinityMask(HANDLE process, ULONGLONG* processMask, ULONGLONG* systemMask)
 {
-    Record("GetProcessAffinityMask(" + Pointer(process) + ", process=" + Hex(*processMask) + ", system=" +
-           Hex(*systemMask) + ")");
+    Record("GetProcessAffinityMask(" + Pointer(process) + ", process=" + Hex(*processMask) +
+           ", system=" + Hex(*systemMask) + ")");
     return Run<BOOL>(Processes().GetProcessAffinityMask, 0, process, processMask, systemMask);
 }
 
@@ -152,8 +158,8 @@ BOOL SetProcessAffinityMask(HANDLE process, ULONGLONG mask)
 
 BOOL GetProcessWorkingSetSizeEx(HANDLE process, ULONGLONG* minimum, ULONGLONG* maximum, DWORD* flags)
 {
-    Record("GetProcessWorkingSetSizeEx(" + Pointer(process) + ", minimum=" + Hex(*minimum) + ", maximum=" +
-           Hex(*maximum) + ", flags=" + Out(flags) + ")");
+    Record("GetProcessWorkingSetSizeEx(" + Pointer(process) + ", minimum=" + Hex(*minimum) +
+           ", maximum=" + Hex(*maximum) + ", flags=" + Out(flags) + ")");
     return Run<BOOL>(Processes().GetProcessWorkingSetSizeEx, 0, process, minimum, maximum);
 }
 

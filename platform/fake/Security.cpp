@@ -22,9 +22,10 @@ DWORD const kErrorNotAllAssigned = 1300;
 
 BOOL OpenProcessToken(HANDLE process, DWORD access, HANDLE* token)
 {
-    Record("OpenProcessToken(" + Pointer(process) + ", access=" + fake::Hex(access) + ", token=" + Out(token) +
-           ")");
-    return Run<BOOL>(Security().OpenProcessToken, 0, process, access, token);
+    Record("OpenProcessToken(" + Pointer(process) + ", access=" + fake::Hex(access) + ", token=" + Out(token) + ")");
+    BOOL const opened = Run<BOOL>(Security().OpenProcessToken, 0, process, access, token);
+    if (opened) fake::Opened(*token);
+    return opened;
 }
 
 BOOL LookupPrivilegeValueA(char const* systemName, char const* name, LuidRecord* luid)
@@ -50,18 +51,20 @@ BOOL AdjustTokenPrivileges(HANDLE token, BOOL disableAll, TokenPrivileges* state
     return Run<BOOL>(Security().AdjustTokenPrivileges, 0, token, state, bufferLength);
 }
 
-BOOL AllocateAndInitializeSid(SidIdentifierAuthority const* authority, unsigned char subAuthorityCount,
-                              DWORD sub0, DWORD sub1, DWORD sub2, DWORD sub3, DWORD sub4, DWORD sub5,
-                              DWORD sub6, DWORD sub7, void** sid)
+BOOL AllocateAndInitializeSid(SidIdentifierAuthority const* authority, unsigned char subAuthorityCount, DWORD sub0,
+                              DWORD sub1, DWORD sub2, DWORD sub3, DWORD sub4, DWORD sub5, DWORD sub6, DWORD sub7,
+                              void** sid)
 {
     std::string text = "AllocateAndInitializeSid(authority=";
     for (int index = 0; index < 6; ++index) {
         if (index != 0) text += '.';
         text += Dec(authority->Value[index]);
     }
-    Record(text + ", count=" + Dec(subAuthorityCount) + ", sub=" + Dec(sub0) + "," + Dec(sub1) + "," + Dec(sub2) +
-           "," + Dec(sub3) + "," + Dec(sub4) + "," + Dec(sub5) + "," + Dec(sub6) + "," + Dec(sub7) + ")");
-    return Run<BOOL>(Security().AllocateAndInitializeSid, 0, sid);
+    Record(text + ", count=" + Dec(subAuthorityCount) + ", sub=" + Dec(sub0) + "," + Dec(sub1) + "," + Dec(sub2) + "," +
+           Dec(sub3) + "," + Dec(sub4) + "," + Dec(sub5) + "," + Dec(sub6) + "," + Dec(sub7) + ")");
+    BOOL const made = Run<BOOL>(Security().AllocateAndInitializeSid, 0, sid);
+    if (made) fake::Opened(*sid);
+    return made;
 }
 
 BOOL CheckTokenMembership(HANDLE token, void* sid, BOOL* isMember)
@@ -73,6 +76,7 @@ BOOL CheckTokenMembership(HANDLE token, void* sid, BOOL* isMember)
 void* FreeSid(void* sid)
 {
     Record("FreeSid(" + Pointer(sid) + ")");
+    fake::Closed(sid);
     std::free(sid);
     return nullptr;
 }

@@ -33,12 +33,16 @@ HRESULT CoCreateInstance(Guid const& classId, void* outer, DWORD context, Guid c
     fake::Record("CoCreateInstance(class=" + fake::GuidText(classId) + ", outer=" + fake::Pointer(outer) +
                  ", context=" + fake::Dec(context) + ", interface=" + fake::GuidText(interfaceId) +
                  ", object=" + fake::Out(object) + ")");
-    return fake::Run<HRESULT>(fake::Shell().CoCreateInstance, kRegdbEClassNotReg, classId, interfaceId, object);
+    HRESULT const created =
+        fake::Run<HRESULT>(fake::Shell().CoCreateInstance, kRegdbEClassNotReg, classId, interfaceId, object);
+    if (created == 0) fake::Opened(*object);
+    return created;
 }
 
 ULONG ReleaseComObject(void* object)
 {
     fake::Record("ReleaseComObject(" + fake::Pointer(object) + ")");
+    fake::Closed(object);
     return fake::Run<ULONG>(fake::Shell().ReleaseComObject, 0, object);
 }
 

@@ -31,18 +31,22 @@ void SetLastError(DWORD code)
     lastError = code;
 }
 
-DWORD FormatMessageA(DWORD flags, void const* source, DWORD messageId, DWORD languageId, char* buffer,
-                     DWORD size, void* arguments)
+DWORD FormatMessageA(DWORD flags, void const* source, DWORD messageId, DWORD languageId, char* buffer, DWORD size,
+                     void* arguments)
 {
     fake::Record("FormatMessageA(flags=" + fake::Hex(flags) + ", source=" + fake::Pointer(source) +
                  ", id=" + Dec(messageId) + ", language=" + fake::Hex(languageId) + ", size=" + Dec(size) +
                  ", arguments=" + fake::Pointer(arguments) + ")");
-    return fake::Run<DWORD>(fake::System().FormatMessageA, 0, flags, source, messageId, languageId, buffer, size, arguments);
+    DWORD const written = fake::Run<DWORD>(fake::System().FormatMessageA, 0, flags, source, messageId, languageId,
+                                           buffer, size, arguments);
+    if (written != 0 && (flags & kFormatMessageAllocateBuffer) != 0) fake::Opened(*reinterpret_cast<char**>(buffer));
+    return written;
 }
 
 void* LocalFree(void* memory)
 {
     fake::Record("LocalFree(" + fake::Pointer(memory) + ")");
+    fake::Closed(memory);
     std::free(memory);
     return nullptr;
 }
