@@ -166,9 +166,9 @@ std::string Text(Rect const& rect)
 
 std::string Text(WindowPlacement const& placement)
 {
-    return "length=" + Dec(placement.length) + ", flags=" + Dec(placement.flags) + ", show=" + Dec(placement.showCmd) +
-           ", min={" + Int(placement.ptMinPosition.x) + "," + Int(placement.ptMinPosition.y) + "}, max={" +
-           Int(placement.ptMaxPosition.x) + "," + Int(placement.ptMaxPosition.y) +
+    return "length=" + Dec(placement.length) + ", flags=" + Dec(placement.flags) + ", show=" +
+           Dec(placement.showCmd) + ", min={" + Int(placement.ptMinPosition.x) + "," + Int(placement.ptMinPosition.y) +
+           "}, max={" + Int(placement.ptMaxPosition.x) + "," + Int(placement.ptMaxPosition.y) +
            "}, normal=" + Text(placement.rcNormalPosition);
 }
 
@@ -204,8 +204,8 @@ HRESULT DwmGetWindowAttribute(HWND window, DWORD attribute, void* value, DWORD s
 {
     Record(On("DwmGetWindowAttribute", window) + ", attribute=" + Dec(attribute) + ", value=" + Out(value) +
            ", size=" + Dec(size) + ")");
-    return Run<HRESULT>(Desktop().DwmGetWindowAttribute, static_cast<HRESULT>(0x80004005u), window, attribute, value,
-                        size);  // unset: E_FAIL
+    return Run<HRESULT>(Desktop().DwmGetWindowAttribute, static_cast<HRESULT>(0x80004005u), window, attribute,
+                        value, size);  // unset: E_FAIL
 }
 
 }  // namespace zk64::platform

@@ -25,8 +25,9 @@ UINT SendInput(UINT count, Input* inputs, int size)
     for (UINT index = 0; inputs != nullptr && index < count; ++index) {
         Input const& input = inputs[index];
         call += ", {type=" + Dec(input.type) + ", dx=" + Signed(input.mi.dx) + ", dy=" + Signed(input.mi.dy) +
-                ", mouseData=" + Signed(static_cast<LONG>(input.mi.mouseData)) + ", dwFlags=" + Hex(input.mi.dwFlags) +
-                ", time=" + Dec(input.mi.time) + ", dwExtraInfo=" + Dec(input.mi.dwExtraInfo) + "}";
+                ", mouseData=" + Signed(static_cast<LONG>(input.mi.mouseData)) + ", dwFlags=" +
+                Hex(input.mi.dwFlags) + ", time=" + Dec(input.mi.time) + ", dwExtraInfo=" +
+                Dec(input.mi.dwExtraInfo) + "}";
     }
     fake::Record(call + ")");
     return fake::Run<UINT>(fake::InputOperations().SendInput, 0, count, inputs, size);

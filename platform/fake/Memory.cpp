@@ -14,7 +14,8 @@ using fake::Pointer;
 using fake::Record;
 using fake::Run;
 
-std::size_t VirtualQueryEx(HANDLE process, void const* address, MemoryBasicInformation* information, std::size_t length)
+std::size_t VirtualQueryEx(HANDLE process, void const* address, MemoryBasicInformation* information,
+                           std::size_t length)
 {
     Record("VirtualQueryEx(" + Pointer(process) + ", address=" + fake::Hex(reinterpret_cast<std::uintptr_t>(address)) +
            ", information=" + Out(information) + ", length=" + Dec(length) + ")");
