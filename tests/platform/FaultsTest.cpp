@@ -480,11 +480,14 @@ std::vector<Row> ProcessRows()
          },
          {"throws 5"}},
         Op("GetExeFileIcon", [] { return Shown(GetExeFileIcon(kExe.c_str()), DestroyProcessIcon); }),
-        Op("GetDefaultApplicationIcon", GetDefaultApplicationIcon),
         {"GetSystemAffinity", [] { return Filled<unsigned long long>(GetSystemAffinity); }, {"0;0;"}},
         Op("CreateProcessDumpFile(pid)", [] { return CreateProcessDumpFile("app.dmp", 100ul, 2ull); }),
         Op("CreateProcessDumpFile(handle)", [] { return CreateProcessDumpFile("app.dmp", kCallers, 2ull); }),
+        // The name form of a dump waits for the process to end: a healthy system never lets it.
     };
+#define ZK_STOCK_ICON_ROW(Operation, number) rows.push_back(Op(#Operation, Operation));
+    ZK_STOCK_ICONS(ZK_STOCK_ICON_ROW)
+#undef ZK_STOCK_ICON_ROW
     Forms(rows, "IsProcess32Bit", [](auto const& target) { return IsProcess32Bit(target); });
     Forms(rows, "IsProcess64Bit", [](auto const& target) { return IsProcess64Bit(target); });
     Forms(rows, "GetProcessModules",
