@@ -92,9 +92,16 @@ TEST_F(ZkCommand, CommandsAnswerAsDocumented)
     std::filesystem::create_directories(scratch.Path("tree/sub"));
     scratch.Write("tree/sub/inner.txt", "1");
     scratch.Write("tree/top.txt", "2");
+#if !defined(_WIN32)
+    std::filesystem::create_directories(scratch.Path("names"));
+    scratch.Write("names/a\xED\xA0\x80"
+                  "b",
+                  "");
+#endif
     // Wine's session process list is empty: zk lists nothing there.
     bool const wine = RunningUnderWine();
     std::string const modules = "ps --modules " + std::to_string(GetCurrentProcessID());
+    std::string const memory = "ps --memory " + std::to_string(GetCurrentProcessID());
     Case const cases[] = {
         {"info", 0, "version: +0\\.0\\.20\\.5\\.16\n", ""},
         {"--json info", 0, "\"library\": \"Zenkor\"", ""},
@@ -118,6 +125,8 @@ TEST_F(ZkCommand, CommandsAnswerAsDocumented)
         {modules.c_str(), 0, "modules \\([0-9]+\\):\n(.|\n)*zk64_cli_tests", ""},
         {"ps --modules 4294967295", 1, "^$", "^zk: ps: no process has the id 4294967295\n$"},
         {"ps --memory 12x", 1, "^$", "^zk: process id '12x' is not a number\n$"},
+        {memory.c_str(), 0, "regions \\([0-9]+\\):\n +base +size(.|\n)* [0-9]+\\.[0-9] KiB ", ""},
+        {"--json strings $Tnot-a-pe.txt", 0, "^\\[\\]\n$", ""},
         {"ps --priority 1 upwards", 1, "^$", "."},
         {"hash -l 6 wxyz", 0, "digest: 1D3A1D\n", ""},
         {"hash", 1, "^$", "give a TEXT"},
@@ -136,6 +145,8 @@ TEST_F(ZkCommand, CommandsAnswerAsDocumented)
 #if defined(_WIN32)
         {"windows --all", 0, "", ""},
 #else
+        // Bytes that are not UTF-8 (here a surrogate's) become U+0080..U+00FF in JSON.
+        {"--json find $Tnames", 0, "\"path\": \"[^\"]*a\\\\u00ED\\\\u00A0\\\\u0080b\"", ""},
         {"windows", 1, "^$", "^zk: windows: the desktop is not available on this system\n$"},
 #endif
     };
@@ -194,10 +205,12 @@ TEST_F(ZkCommand, NoiseAndTheTourWritePictures)
 TEST_F(ZkCommand, WatchReportsChangesUntilItsTimeIsUp)
 {
     std::string const root = scratch.Path("watched");
-    std::filesystem::create_directories(root);
+    std::filesystem::create_directories(root + "/sub");
     std::thread changes([&] {
         std::this_thread::sleep_for(std::chrono::milliseconds(1500));
         scratch.Write("watched/new.txt", "x");
+        std::this_thread::sleep_for(std::chrono::milliseconds(1500));
+        scratch.Write("watched/sub/deep.txt", "x");  // not watched without --subtree
     });
     Outcome const run = Zk("--json watch " + Quote(root) + " --seconds 4");
     changes.join();
@@ -205,6 +218,7 @@ TEST_F(ZkCommand, WatchReportsChangesUntilItsTimeIsUp)
     EXPECT_TRUE(std::regex_search(
         run.out, std::regex("\\{\"time\":\"[0-9:]{8}\",\"action\":\"added\",\"name\":\"new\\.txt\"\\}\n")))
         << run.out;
+    EXPECT_EQ(run.out.find("deep.txt"), std::string::npos) << run.out;
 #if !defined(_WIN32)
     // Ctrl-C ends it cleanly.
     std::string const command = "(" + Quote(ZkPath()) + " watch " + Quote(root) + " 2>" + Quote(scratch.Path("err")) +
