@@ -6,7 +6,6 @@
 
 #include <zk64/zk64.h>
 
-#include <cstdint>
 #include <initializer_list>
 #include <string>
 
@@ -25,7 +24,7 @@ TEST(MessageNames, NamesTheFirstRowAndNumbersTheRest)
 
 TEST(Windows, AWindowThatDoesNotExistGivesFailureValues)
 {
-    HWND__* const none = reinterpret_cast<HWND__*>(std::uintptr_t{0x12345678});
+    HWND__* const none = reinterpret_cast<HWND__*>(0x12345678ull);
     ZKContainer<HWND__*> out;
     EXPECT_FALSE(GetChildWindows(none, out) || GetProcessHWNDS(ProcessHandle{}, out) || GetProcessHWNDS(0ul, out) ||
                  GetProcessHWNDS(ZKString("no such process.exe"), out) || IsWindowMinimized(none) ||
@@ -48,6 +47,5 @@ TEST(Windows, AWindowThatDoesNotExistGivesFailureValues)
         << "no desktop, no window";
     EXPECT_TRUE(GetTaskbarInterface() == nullptr && GetCustomJumpListInterface() == nullptr &&
                 GetUserNotificationInterface() == nullptr);
-    ReleaseTaskbarInterface();
 #endif
 }
