@@ -27,9 +27,8 @@ std::map<std::string, std::vector<std::string>> definitions;
 std::set<long long> Values(std::string const& name, int depth = 0)
 {
     std::set<long long> values;
-    auto const found = definitions.find(name);
-    if (found == definitions.end() || depth > 16) return values;
-    for (std::string const& text : found->second) {
+    if (depth > 16) return values;
+    for (std::string const& text : definitions[name]) {
         std::size_t const plus = text.find('+');
         std::string const last = text.substr(plus + 1);  // the whole text without a plus
         char* rest = nullptr;

@@ -76,7 +76,7 @@ TEST(MapGradient, KeepsTheGridsShapeBlendsEachCellAndKeepsStaleSlots)
     ASSERT_TRUE(first.GetItemCount() == 3 && second.GetItemCount() == 1 && colors.GetItem(2).GetItemCount() == 0);
     EXPECT_TRUE(first.GetItem(0) == ZKColor(0, 0, 0) && first.GetItem(1) == ZKColor(50, 100, 20) &&
                 first.GetItem(2) == ZKColor(100, 200, 40) && second.GetItem(0) == ZKColor(25, 50, 10));
-    auto const empty = MapGradient(ZKColor(), ZKColor(), ZKContainer<ZKContainer<double>>());
+    auto const empty = MapGradient(ZKColor(), ZKColor(), zk64test::Grid());
     EXPECT_TRUE(empty.GetItemCount() == 0 && empty.GetMaxItemCount() == 512);
 
     // Past 512 items a container grew by doubling, which left a stale copy

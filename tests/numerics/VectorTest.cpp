@@ -113,7 +113,7 @@ TEST(VectorEquality, DoubleComponentsCompareByTheirFloatImagesIntegerArithmeticW
     EXPECT_EQ(l.x, -2);
 }
 
-TEST(UpdatePositionDouble, AxisHeadingsAreExactDiagonalsNearAxisSnapsAndTime)
+TEST(UpdatePositionDouble, AxisHeadingsAreExactDiagonalsNearAxisSnapsTimeAndFloatRounding)
 {
     // Position (0, 0, 5), speed 10, one second; the near-zero sine or cosine
     // snaps to 0.
@@ -148,34 +148,30 @@ TEST(UpdatePositionDouble, AxisHeadingsAreExactDiagonalsNearAxisSnapsAndTime)
     UpdateVectorPosition(position, previous, 100.0, 33.0, 0);  // no time: no move
     Expect(position, 3.0, -4.0, 5.0);
     Expect(previous, 3.0, -4.0, 5.0);
-}
 
-TEST(UpdatePositionFloat, AxisMovesKeepTheirSidewaysRoundingTerm)
-{
-    struct Move {
+    // In float the main term is exact; the cosine or sine of the narrowed
+    // angle is not snapped and leaves a small sideways term.
+    struct FloatMove {
         float heading, x, y;
     };
-    // The main term is exact; the cosine or sine of the narrowed angle is not
-    // snapped and leaves a small sideways term.
-    Move const moves[] = {
+    FloatMove const floatMoves[] = {
         {0.0f, -4.37113897e-07f, -10.0f}, {180.0f, 1.1924881e-07f, 10.0f}, {270.0f, -10.0f, 8.74227794e-07f}};
-    for (Move const& move : moves) {
-        __ZKVector3<float> position(0.0f, 0.0f, 5.0f);
-        __ZKVector3<float> previous;
-        UpdateVectorPosition(position, previous, 10.0f, move.heading, 1000);
-        EXPECT_FLOAT_EQ(position.x, move.x);
-        EXPECT_FLOAT_EQ(position.y, move.y);
-        EXPECT_NE(position.x * position.y, 0.0f);
-        EXPECT_EQ(position.z, 5.0f);
-        Expect(previous, 0.0f, 0.0f, 5.0f);
+    for (FloatMove const& move : floatMoves) {
+        __ZKVector3<float> start(0.0f, 0.0f, 5.0f);
+        __ZKVector3<float> before;
+        UpdateVectorPosition(start, before, 10.0f, move.heading, 1000);
+        EXPECT_FLOAT_EQ(start.x, move.x);
+        EXPECT_FLOAT_EQ(start.y, move.y);
+        EXPECT_TRUE(start.x * start.y != 0.0f && start.z == 5.0f);
+        Expect(before, 0.0f, 0.0f, 5.0f);
     }
-    __ZKVector3<float> position(1.0f, 2.0f, 3.0f);
-    __ZKVector3<float> previous;
-    UpdateVectorPosition(position, previous, 2.0f, 90.0f, 1500);
-    Expect(position, 4.0f, 2.0f, 3.0f);
-    UpdateVectorPosition(position, previous, 2.0f, 450.0f, 500);
-    Expect(position, 5.0f, 2.0f, 3.0f);
-    Expect(previous, 4.0f, 2.0f, 3.0f);
+    __ZKVector3<float> point(1.0f, 2.0f, 3.0f);
+    __ZKVector3<float> last;
+    UpdateVectorPosition(point, last, 2.0f, 90.0f, 1500);
+    Expect(point, 4.0f, 2.0f, 3.0f);
+    UpdateVectorPosition(point, last, 2.0f, 450.0f, 500);
+    Expect(point, 5.0f, 2.0f, 3.0f);
+    Expect(last, 4.0f, 2.0f, 3.0f);
 }
 
 }  // namespace
