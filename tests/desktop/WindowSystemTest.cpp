@@ -1,18 +1,24 @@
-// The window operations on real windows under Wine (null graphics driver),
-// made with the system's own functions. <windows.h> comes before the library
-// here (WindowsDesktopTest.cpp has the other order): both see the one
-// system rectangle.
+// The window, input and shell operations on real windows and objects under
+// Wine (null graphics driver), checked through the system's own functions.
+// <windows.h> comes before the library here, and <shobjidl.h> after it: the
+// library's declarations of the system rectangle and of the shell interfaces
+// must agree with the system's definitions on either side.
 //
-// Wine answers unlike Windows in two places, pinned through the fake backend
-// instead: DwmGetWindowAttribute is not implemented (never cloaked, no frame
-// bounds), and the root owner of an owned WS_OVERLAPPED window is the window
-// itself (the owned windows here are WS_POPUP windows).
+// Wine answers unlike Windows in three places. DwmGetWindowAttribute is not
+// implemented (never cloaked, no frame bounds) and the root owner of an owned
+// WS_OVERLAPPED window is the window itself (the owned windows here are
+// WS_POPUP windows): both are pinned through the fake backend instead. The
+// destination list's methods answer E_NOTIMPL, and there is no user
+// notification class: the shell test says so.
 
 #include <windows.h>
 
 #include <gtest/gtest.h>
 
 #include <zk64/zk64.h>
+
+#include <objbase.h>
+#include <shobjidl.h>
 
 #include <algorithm>
 #include <string>
@@ -97,4 +103,46 @@ TEST(WindowSystem, RealWindowsThroughEveryOperation)
     HideWindow(window);
     EXPECT_FALSE(IsWindowVisible(window) || (GetWindowLongPtrA(window, GWL_EXSTYLE) & WS_EX_TOPMOST) != 0 ||
                  IsWindowUniversalWindowsPlatform(window) || IsInvisibleWin10BackgroundAppWindow(window));
+}
+
+TEST(WindowsInput, MovesButtonsRawInputAndRegisteredMessages)
+{
+    ASSERT_TRUE(GetDesktopWindow() != nullptr && SetCursorPos(200, 150));  // cursor moves before the desktop are lost
+    SendMouseMoveMsg(3, 2);
+    SendMouseMoveMsg(-4, -1);
+    SendMouseRightDownMsg(40, 40);
+    EXPECT_NE(GetAsyncKeyState(VK_RBUTTON) & 0x8000, 0);
+    SendMouseRightUpMsg(40, 40);
+    SendMouseWheelForwardMsg(40, 40);
+    POINT point{};
+    EXPECT_TRUE(GetCursorPos(&point) && (GetAsyncKeyState(VK_RBUTTON) & 0x8000) == 0);
+    EXPECT_EQ(point.x * 1000 + point.y, 199151) << "relative moves, exact; buttons and wheel do not move";
+
+    RAWINPUTDEVICE devices[4] = {};
+    UINT count = 4;
+    ASSERT_TRUE(RegisterRawInput() && GetRegisteredRawInputDevices(devices, &count, sizeof(RAWINPUTDEVICE)) == 1);
+    EXPECT_TRUE(devices[0].usUsagePage == 1 && devices[0].usUsage == 6 && devices[0].dwFlags == RIDEV_NOLEGACY);
+    unsigned int const id = RegisterSystemWideMessageID("ZK64.Test.Broadcast");
+    EXPECT_TRUE(id >= 0xC000u && id <= 0xFFFFu && RegisterWindowMessageA("zk64.TEST.broadcast") == id &&
+                RegisterSystemWideMessageID("ZK64.Test.Other") != id);
+}
+
+// The library initialises the component system of a thread that has none,
+// once per process, and each last Release undoes that. (Every test runs in a
+// process of its own.)
+TEST(WindowsShell, ObjectsLiveInTheLibrarysInitialisation)
+{
+    ITaskbarList* const taskbar = GetTaskbarInterface();
+    ASSERT_NE(taskbar, nullptr);
+    EXPECT_TRUE(GetTaskbarInterface() == taskbar && taskbar->HrInit() == S_OK);
+    ASSERT_NE(GetCustomJumpListInterface(), nullptr);
+    bool const wine = GetProcAddress(GetModuleHandleA("ntdll.dll"), "wine_get_version") != nullptr;
+    EXPECT_EQ(GetUserNotificationInterface() != nullptr, !wine);
+    EXPECT_EQ(CoInitialize(nullptr), S_FALSE) << "the library's initialisation holds";
+    CoUninitialize();
+    ReleaseTaskbarInterface();
+    ReleaseCustomJumpListInterface();
+    ReleaseUserNotificationInterface();
+    EXPECT_EQ(CoInitialize(nullptr), S_OK) << "the last Release undid it";
+    CoUninitialize();
 }

@@ -13,6 +13,14 @@
 
 namespace {
 
+// A colour of all 9s set from `text`.
+ZKColor FromText(ZKString const& text)
+{
+    ZKColor color(9, 9, 9, 9);
+    color.SetColorFromString(text);
+    return color;
+}
+
 TEST(Color, ConstructionMovesComparisonsAndTextForms)
 {
     EXPECT_TRUE(ZKColor() == ZKColor(0, 0, 0, 255) && ZKColor(9, 8, 7) == ZKColor(9, 8, 7, 255));
@@ -25,55 +33,38 @@ TEST(Color, ConstructionMovesComparisonsAndTextForms)
     // One shared component: neither equal nor unequal.
     for (ZKColor const& partial : {ZKColor(1, 9, 9, 9), ZKColor(9, 2, 9, 9), ZKColor(9, 9, 3, 9), ZKColor(9, 9, 9, 4)})
         EXPECT_FALSE(base == partial || base != partial);
-    EXPECT_TRUE(ZKColor().GetColorAsString() == "0,0,0,255");
-    EXPECT_TRUE(ZKColor(7, 80, 255, 0).GetColorAsString() == "7,80,255,0");
-    // Four integers start at 0; each stores its low 8 bits.
-    struct Case {
-        ZKString text;
-        ZKColor expected;
-    };
-    Case const cases[] = {
-        {"1,2,3,4", {1, 2, 3, 4}},
-        {"300,-1,0,0", {44, 255, 0, 0}},
-        {"", {0, 0, 0, 0}},
-        {"255", {255, 0, 0, 0}},
-        {"7,8;9,10", {7, 8, 0, 0}},
-        {"red", {0, 0, 0, 0}},
-        {ZKString("5,6\0"
-                  "7,8",
-                  7),
-         {5, 6, 0, 0}},  // read up to the first zero byte
-    };
-    for (Case const& c : cases) {
-        ZKColor color(9, 9, 9, 9);
-        color.SetColorFromString(c.text);
-        EXPECT_TRUE(color == c.expected) << c.text.GetString() << " gave " << color.GetColorAsString().GetString();
-    }
+    EXPECT_TRUE(ZKColor().GetColorAsString() == "0,0,0,255" &&
+                ZKColor(7, 80, 255, 0).GetColorAsString() == "7,80,255,0");
+    // Four integers start at 0; each stores its low 8 bits; the text ends at its first zero byte.
+    char const* const texts[][2] = {{"1,2,3,4", "1,2,3,4"}, {"300,-1,0,0", "44,255,0,0"}, {"", "0,0,0,0"},
+                                    {"255", "255,0,0,0"},   {"7,8;9,10", "7,8,0,0"},      {"red", "0,0,0,0"}};
+    for (auto const& [text, expected] : texts) EXPECT_TRUE(FromText(text).GetColorAsString() == expected) << text;
+    EXPECT_TRUE(FromText(ZKString("5,6\0 7,8", 8)) == ZKColor(5, 6, 0, 0));
 }
 
 TEST(Gradient, ComponentsTruncateWrapAndAlphaIsOpaque)
 {
-    ZKColor const from(10, 20, 30, 0), to(200, 100, 0, 5), a(0, 100, 0), b(200, 0, 10);
-    double const nan = std::numeric_limits<double>::quiet_NaN();
+    // 0.25: 57.5, 40, 22.5. t outside 0..1: 400 -> 144, -100 -> 156, 20; then -200 -> 56, 200, -10 -> 246.
+    // Beyond every integer type 1e20 and 3e20 still wrap: both are multiples of 256.
     struct Case {
-        ZKColor from, to;
+        char const* from;
+        char const* to;
         double t;
-        ZKColor expected;
-    };
-    Case const cases[] = {{ZKColor::Black(), ZKColor::White(), 0.5, {127, 127, 127}},
-                          {from, to, 0.0, {10, 20, 30}},
-                          {from, to, 1.0, {200, 100, 0}},
-                          {from, to, 0.25, {57, 40, 22}},  // 57.5, 40, 22.5
-                          // t outside 0..1: 400 -> 144, -100 -> 156, 20; then -200 -> 56, 200, -10 -> 246.
-                          {a, b, 2.0, {144, 156, 20}},
-                          {a, b, -1.0, {56, 200, 246}},
-                          {{0, 0, 0}, {1, 1, 1}, -0.5, {0, 0, 0}},
-                          // Beyond every integer type 1e20 and 3e20 still wrap: both are multiples of 256.
-                          {{0, 0, 0}, {1, 3, 0}, 1e20, {0, 0, 0}},
-                          {{5, 5, 5}, {6, 6, 6}, nan, {0, 0, 0}}};
-    for (Case const& c : cases)
-        EXPECT_TRUE(GradientToColor(c.from, c.to, c.t) == c.expected)
-            << c.t << " gave " << GradientToColor(c.from, c.to, c.t).GetColorAsString().GetString();
+        char const* expected;
+    } const cases[] = {{"0,0,0,255", "255,255,255,255", 0.5, "127,127,127,255"},
+                       {"10,20,30,0", "200,100,0,5", 0.0, "10,20,30,255"},
+                       {"10,20,30,0", "200,100,0,5", 1.0, "200,100,0,255"},
+                       {"10,20,30,0", "200,100,0,5", 0.25, "57,40,22,255"},
+                       {"0,100,0", "200,0,10", 2.0, "144,156,20,255"},
+                       {"0,100,0", "200,0,10", -1.0, "56,200,246,255"},
+                       {"0,0,0", "1,1,1", -0.5, "0,0,0,255"},
+                       {"0,0,0", "1,3,0", 1e20, "0,0,0,255"}};
+    for (Case const& c : cases) {
+        ZKString const got = GradientToColor(FromText(c.from), FromText(c.to), c.t).GetColorAsString();
+        EXPECT_TRUE(got == c.expected) << c.t << " gave " << got.GetString();
+    }
+    double const nan = std::numeric_limits<double>::quiet_NaN();
+    EXPECT_TRUE(GradientToColor(ZKColor(5, 5, 5), ZKColor(6, 6, 6), nan) == ZKColor(0, 0, 0));
 }
 
 TEST(MapGradient, KeepsTheGridsShapeBlendsEachCellAndKeepsStaleSlots)
@@ -85,7 +76,7 @@ TEST(MapGradient, KeepsTheGridsShapeBlendsEachCellAndKeepsStaleSlots)
     ASSERT_TRUE(first.GetItemCount() == 3 && second.GetItemCount() == 1 && colors.GetItem(2).GetItemCount() == 0);
     EXPECT_TRUE(first.GetItem(0) == ZKColor(0, 0, 0) && first.GetItem(1) == ZKColor(50, 100, 20) &&
                 first.GetItem(2) == ZKColor(100, 200, 40) && second.GetItem(0) == ZKColor(25, 50, 10));
-    auto const empty = MapGradient(ZKColor(), ZKColor(), ZKContainer<ZKContainer<double>>());
+    auto const empty = MapGradient(ZKColor(), ZKColor(), zk64test::Grid());
     EXPECT_TRUE(empty.GetItemCount() == 0 && empty.GetMaxItemCount() == 512);
 
     // Past 512 items a container grew by doubling, which left a stale copy

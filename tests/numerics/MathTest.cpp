@@ -87,53 +87,34 @@ TEST(FieldSplit, FieldsAreTheRawStoredBits)
 
 TEST(Units, InterpolationWithoutClampingByteCountsAnglesAndLengths)
 {
-    EXPECT_EQ(LinearInterpolate(2.0, 4.0, 0.5), 3.0);
-    EXPECT_EQ(LinearInterpolate(2.0, 4.0, 2.0), 6.0);
-    EXPECT_EQ(LinearInterpolate(2.0, 4.0, -1.0), 0.0);
-    EXPECT_EQ(LinearInterpolate(2.0f, 4.0f, 2.0f), 6.0f);
+    EXPECT_TRUE(LinearInterpolate(2.0, 4.0, 0.5) == 3.0 && LinearInterpolate(2.0, 4.0, 2.0) == 6.0 &&
+                LinearInterpolate(2.0, 4.0, -1.0) == 0.0 && LinearInterpolate(2.0f, 4.0f, 2.0f) == 6.0f);
     // (1 - t) * a + t * b gives b exactly at t = 1; a + t * (b - a) would not.
-    EXPECT_EQ(LinearInterpolate(1e16, 1.0, 1.0), 1.0);
-    EXPECT_EQ(LinearInterpolate(1e8f, 1.0f, 1.0f), 1.0f);
-    EXPECT_EQ(ConvertBytesToKB(1023), 0u);
-    EXPECT_EQ(ConvertBytesToKB(1024), 1u);
-    EXPECT_EQ(ConvertBytesToMB((5ull << 20) - 1), 4u);
-    EXPECT_EQ(ConvertBytesToGB(~0ull), (1ull << 34) - 1);
-    EXPECT_EQ(ConvertBytesToDoubleKB(1023), 0.9990234375);
-    EXPECT_EQ(ConvertBytesToDoubleMB(1ull << 19), 0.5);
-    EXPECT_EQ(ConvertBytesToDoubleGB(~0ull), 17179869184.0);  // the count rounds to 2^64 first
-    EXPECT_EQ(ConvertBytesToDoubleKB(16777217), 16384.0009765625);
-    EXPECT_EQ(ConvertBytesToFloatKB(16777217), 16384.0f);  // 16777216 as a float
-    EXPECT_EQ(ConvertBytesToFloatMB(3ull << 19), 1.5f);
-    EXPECT_EQ(ConvertBytesToFloatGB(1ull << 29), 0.5f);
+    EXPECT_TRUE(LinearInterpolate(1e16, 1.0, 1.0) == 1.0 && LinearInterpolate(1e8f, 1.0f, 1.0f) == 1.0f);
+    EXPECT_TRUE(ConvertBytesToKB(1023) == 0u && ConvertBytesToKB(1024) == 1u &&
+                ConvertBytesToMB((5ull << 20) - 1) == 4u && ConvertBytesToGB(~0ull) == (1ull << 34) - 1);
+    // ~0 rounds to 2^64 first; 16777217 is 16777216 as a float.
+    EXPECT_TRUE(ConvertBytesToDoubleKB(1023) == 0.9990234375 && ConvertBytesToDoubleMB(1ull << 19) == 0.5 &&
+                ConvertBytesToDoubleGB(~0ull) == 17179869184.0 && ConvertBytesToDoubleKB(16777217) == 16384.0009765625);
+    EXPECT_TRUE(ConvertBytesToFloatKB(16777217) == 16384.0f && ConvertBytesToFloatMB(3ull << 19) == 1.5f &&
+                ConvertBytesToFloatGB(1ull << 29) == 0.5f);
     // Inputs where dividing and multiplying by the reciprocal differ. The
     // yard pair runs backwards: feet to yards multiplies by 3.
-    EXPECT_EQ(DegreesToRadians(180.0), 3.141592653589793);
-    EXPECT_EQ(RadiansToDegrees(-1.0), -57.29577951308232);
-    EXPECT_EQ(ConvertMetersToFeet(2.5), 8.2021);
-    EXPECT_EQ(ConvertFeetToMeters(2.5), 0.762);
-    EXPECT_EQ(ConvertMetersToDecimeters(2.5), 25.0);
-    EXPECT_EQ(ConvertDecimetersToMeters(3.0), 0.3);
-    EXPECT_EQ(ConvertMetersToCentimeters(2.5), 250.0);
-    EXPECT_EQ(ConvertCentimetersToMetersD(35.0), 0.35);
-    EXPECT_EQ(ConvertMetersToMillimeters(2.5), 2500.0);
-    EXPECT_EQ(ConvertMillimetersToMetersD(9.0), 0.009);
-    EXPECT_EQ(ConvertMetersToMicrometers(2.5), 2500000.0);
-    EXPECT_EQ(ConvertMicrometersToMetersD(5.0), 5e-06);
-    EXPECT_EQ(ConvertMetersToNanometers(2.5), 2500000000.0);
-    EXPECT_EQ(ConvertNanometersToMetersD(3.0), 3e-09);
-    EXPECT_EQ(ConvertFeetToInches(2.5), 30.0);
-    EXPECT_EQ(ConvertInchesToFeetD(5.0), 0.4166666666666667);
-    EXPECT_EQ(ConvertFeetToMiles(13200.0), 2.5);
-    EXPECT_EQ(ConvertMilesToFeet(2.5), 13200.0);
-    EXPECT_EQ(ConvertFeetToYards(1.0), 3.0);
-    EXPECT_EQ(ConvertYardsToFeet(5.0), 1.6666666666666667);
+    EXPECT_TRUE(DegreesToRadians(180.0) == 3.141592653589793 && RadiansToDegrees(-1.0) == -57.29577951308232);
+    EXPECT_TRUE(ConvertMetersToFeet(2.5) == 8.2021 && ConvertFeetToMeters(2.5) == 0.762);
+    EXPECT_TRUE(ConvertMetersToDecimeters(2.5) == 25.0 && ConvertDecimetersToMeters(3.0) == 0.3);
+    EXPECT_TRUE(ConvertMetersToCentimeters(2.5) == 250.0 && ConvertCentimetersToMetersD(35.0) == 0.35);
+    EXPECT_TRUE(ConvertMetersToMillimeters(2.5) == 2500.0 && ConvertMillimetersToMetersD(9.0) == 0.009);
+    EXPECT_TRUE(ConvertMetersToMicrometers(2.5) == 2500000.0 && ConvertMicrometersToMetersD(5.0) == 5e-06);
+    EXPECT_TRUE(ConvertMetersToNanometers(2.5) == 2500000000.0 && ConvertNanometersToMetersD(3.0) == 3e-09);
+    EXPECT_TRUE(ConvertFeetToInches(2.5) == 30.0 && ConvertInchesToFeetD(5.0) == 0.4166666666666667);
+    EXPECT_TRUE(ConvertFeetToMiles(13200.0) == 2.5 && ConvertMilesToFeet(2.5) == 13200.0);
+    EXPECT_TRUE(ConvertFeetToYards(1.0) == 3.0 && ConvertYardsToFeet(5.0) == 1.6666666666666667);
     // Counts are converted as unsigned: the largest is not read as -1.
-    EXPECT_EQ(ConvertCentimetersToMetersUI(35), 0.35);
-    EXPECT_EQ(ConvertMillimetersToMetersUI(9), 0.009);
-    EXPECT_EQ(ConvertMicrometersToMetersUI(5), 5e-06);
-    EXPECT_EQ(ConvertNanometersToMetersUI(3), 3e-09);
-    EXPECT_EQ(ConvertInchesToFeetUI(5), 0.4166666666666667);
-    EXPECT_EQ(ConvertNanometersToMetersUI(~0ull), 18446744073.709553);
+    EXPECT_TRUE(ConvertCentimetersToMetersUI(35) == 0.35 && ConvertMillimetersToMetersUI(9) == 0.009 &&
+                ConvertMicrometersToMetersUI(5) == 5e-06 && ConvertNanometersToMetersUI(3) == 3e-09);
+    EXPECT_TRUE(ConvertInchesToFeetUI(5) == 0.4166666666666667 &&
+                ConvertNanometersToMetersUI(~0ull) == 18446744073.709553);
     // The two meter-foot factors are rounded independently.
     EXPECT_EQ(ConvertMetersToFeet(ConvertFeetToMeters(1.0)), 1.000000032);
 }

@@ -16,19 +16,20 @@ class RectCommon : public ::testing::Test {
 using RectTypes = ::testing::Types<double, float, int, long long, unsigned int, unsigned long long>;
 TYPED_TEST_SUITE(RectCommon, RectTypes);
 
-TYPED_TEST(RectCommon, ConstructionEqualityAndClear)
+TYPED_TEST(RectCommon, ConstructionBoundsOverlapSlopeAndDistance)
 {
     using R = __ZKRect<TypeParam>;
     R full(1, 2, 3, 4);
     EXPECT_TRUE(R(3, 4) == R(3, 4, 0, 0) && R(3, 4).x == TypeParam(3)) << "the corner, not the size";
     EXPECT_FALSE(full == R(1, 2, 3, 5) || full == R(9, 2, 3, 4));
+    // Slope and distance use the corners only.
+    EXPECT_TRUE(R::CalculateSlope(full, R(4, 6, 9, 9)) == R(3, 4, 0, 0) &&
+                full.CalculateSlope(R(4, 6)) == R(3, 4, 0, 0));
     full.Clear();
     EXPECT_TRUE(full == R(0, 0, 0, 0) && R() == R(0, 0, 0, 0));
-}
-
-TYPED_TEST(RectCommon, InBoundsIncludesTheEdgesAndOverlapOnlyTheLowEdge)
-{
-    using R = __ZKRect<TypeParam>;
+    EXPECT_TRUE(R::CalculateDistance(full, R(3, 4, 1, 1)) == TypeParam(5) &&
+                full.CalculateDistance(R(3, 4)) == TypeParam(5) && full.CalculateDistance(full) == TypeParam(0));
+    // In bounds includes the edges; overlap only the low edges.
     R const a(0, 0, 10, 10);
     R const in1(1, 1, 10, 10);  // width 0 at the right edge is in
     EXPECT_TRUE(a.IsCoordRectInBounds(a) && a.IsCoordRectInBounds(R(10, 0, 0, 0)) &&
@@ -40,16 +41,6 @@ TYPED_TEST(RectCommon, InBoundsIncludesTheEdgesAndOverlapOnlyTheLowEdge)
                 a.IsCoordRectOverLap(R(5, 5, 20, 20)));
     EXPECT_FALSE(a.IsCoordRectOverLap(R(10, 0, 5, 5)) || a.IsCoordRectOverLap(R(0, 10, 5, 5)) ||
                  a.IsCoordRectOverLap(R(5, 11, 2, 2)) || R(20, 20, 5, 5).IsCoordRectOverLap(a));
-}
-
-TYPED_TEST(RectCommon, SlopeAndDistanceUseTheCornersOnly)
-{
-    using R = __ZKRect<TypeParam>;
-    R a(1, 2, 7, 8);
-    EXPECT_TRUE(R::CalculateSlope(a, R(4, 6, 9, 9)) == R(3, 4, 0, 0) && a.CalculateSlope(R(4, 6)) == R(3, 4, 0, 0));
-    R origin(0, 0, 100, 100);
-    EXPECT_TRUE(R::CalculateDistance(origin, R(3, 4, 1, 1)) == TypeParam(5) &&
-                origin.CalculateDistance(R(3, 4)) == TypeParam(5) && origin.CalculateDistance(origin) == TypeParam(0));
 }
 
 template <class T>
@@ -83,27 +74,24 @@ TEST(RectCenter, PerTypeHalvingAndFloatingFieldsCompareByTheirFloatImages)
 
 TEST(RectDistance, IntegerDifferencesWrapTruncateAndSaturateFloatOnesStayFloat)
 {
-    EXPECT_TRUE(__ZKRect<int>(0, 0).CalculateDistance(__ZKRect<int>(1, 1)) == 1 &&
-                __ZKRect<long long>(0, 0).CalculateDistance(__ZKRect<long long>(-2, -2)) == 2);
-    // 0 - 5 wraps to 2^32 - 5 before it is squared.
-    EXPECT_EQ(__ZKRect<unsigned int>(5, 0).CalculateDistance(__ZKRect<unsigned int>(0, 0)), 4294967291u);
-    // 2^63 and above convert back as unsigned values.
+    using I = __ZKRect<int>;
+    using L = __ZKRect<long long>;
+    using U = __ZKRect<unsigned int>;
+    using W = __ZKRect<unsigned long long>;
+    EXPECT_TRUE(I(0, 0).CalculateDistance(I(1, 1)) == 1 && L(0, 0).CalculateDistance(L(-2, -2)) == 2);
+    // 0 - 5 wraps to 2^32 - 5 before it is squared; 2^63 and above convert back as unsigned values.
     unsigned long long const far = (1ull << 63) + 4096;
-    EXPECT_EQ(__ZKRect<unsigned long long>(0, 0).CalculateDistance(__ZKRect<unsigned long long>(0, far)), far);
-    EXPECT_EQ(__ZKRect<unsigned long long>(0, 4096).CalculateDistance(__ZKRect<unsigned long long>(0, 0)),
-              ~0ull - 4095);
+    EXPECT_TRUE(U(5, 0).CalculateDistance(U(0, 0)) == 4294967291u && W(0, 0).CalculateDistance(W(0, far)) == far &&
+                W(0, 4096).CalculateDistance(W(0, 0)) == ~0ull - 4095);
     // INT_MIN - 1 wraps to INT_MAX, in the distance and in the slope.
     int const iMin = std::numeric_limits<int>::min();
     int const iMax = std::numeric_limits<int>::max();
-    EXPECT_EQ(__ZKRect<int>(1, 0).CalculateDistance(__ZKRect<int>(iMin, 0)), iMax);
-    EXPECT_EQ(__ZKRect<int>::CalculateSlope(__ZKRect<int>(1, 0), __ZKRect<int>(iMin, 0)).x, iMax);
+    EXPECT_TRUE(I(1, 0).CalculateDistance(I(iMin, 0)) == iMax && I::CalculateSlope(I(1, 0), I(iMin, 0)).x == iMax);
     // Distances beyond the type give its largest value.
-    EXPECT_EQ(__ZKRect<int>(0, 0).CalculateDistance(__ZKRect<int>(iMin, iMin)), std::numeric_limits<int>::max());
     long long const lMin = std::numeric_limits<long long>::min();
-    EXPECT_EQ(__ZKRect<long long>(0, 0).CalculateDistance(__ZKRect<long long>(lMin, lMin)),
-              std::numeric_limits<long long>::max());
-    EXPECT_EQ(__ZKRect<unsigned int>(0, 0).CalculateDistance(__ZKRect<unsigned int>(~0u, ~0u)), ~0u);
-    EXPECT_EQ(__ZKRect<unsigned long long>(0, 0).CalculateDistance(__ZKRect<unsigned long long>(~0ull, ~0ull)), ~0ull);
+    EXPECT_TRUE(I(0, 0).CalculateDistance(I(iMin, iMin)) == iMax &&
+                L(0, 0).CalculateDistance(L(lMin, lMin)) == std::numeric_limits<long long>::max() &&
+                U(0, 0).CalculateDistance(U(~0u, ~0u)) == ~0u && W(0, 0).CalculateDistance(W(~0ull, ~0ull)) == ~0ull);
     // Differences rounded to float give 9.6449461; exact ones 9.64494705.
     EXPECT_EQ(__ZKRect<float>::CalculateDistance(__ZKRect<float>(0.1f, 0.25f), __ZKRect<float>(9.25f, 3.3f)),
               9.6449461f);
@@ -111,17 +99,12 @@ TEST(RectDistance, IntegerDifferencesWrapTruncateAndSaturateFloatOnesStayFloat)
     float const d = __ZKRect<float>(0, 0).CalculateDistance(__ZKRect<float>(1e20f, 1e20f));
     EXPECT_NEAR(d / 1e20f, 1.41421356f, 1e-6f);
     EXPECT_EQ(__ZKRect<double>(0.0, 0.0).CalculateDistance(__ZKRect<double>(1.0, 1.0)), std::sqrt(2.0));
-}
-
-TEST(RectBounds, IntegerEdgesWrapAndNegativeSizesStand)
-{
-    // x + width wraps to 9, so nothing to the right of x fits or overlaps.
-    __ZKRect<unsigned int> const wrapped(10, 0, 0xFFFFFFFFu, 10);
-    EXPECT_FALSE(wrapped.IsCoordRectInBounds(__ZKRect<unsigned int>(10, 0, 1, 1)));
-    EXPECT_FALSE(wrapped.IsCoordRectOverLap(__ZKRect<unsigned int>(10, 0, 1, 1)));
-    __ZKRect<int> const negative(10, 10, -5, -5);
-    EXPECT_TRUE(negative.IsCoordRectOverLap(__ZKRect<int>(0, 0, 10, 10)));
-    EXPECT_FALSE(negative.IsCoordRectInBounds(__ZKRect<int>(6, 6, 1, 1)));
+    // x + width wraps to 9, so nothing to the right of x fits or overlaps; negative sizes stand.
+    U const wrapped(10, 0, 0xFFFFFFFFu, 10);
+    I const negative(10, 10, -5, -5);
+    EXPECT_FALSE(wrapped.IsCoordRectInBounds(U(10, 0, 1, 1)) || wrapped.IsCoordRectOverLap(U(10, 0, 1, 1)) ||
+                 negative.IsCoordRectInBounds(I(6, 6, 1, 1)));
+    EXPECT_TRUE(negative.IsCoordRectOverLap(I(0, 0, 10, 10)));
 }
 
 }  // namespace
