@@ -29,9 +29,7 @@ std::string MakeData(std::mt19937& rng, std::size_t size, bool longRuns)
     std::string data;
     while (data.size() < size) {
         int const kind = pick(0, 6);
-        if (kind == 0)
-            data.append(static_cast<std::size_t>(longRuns ? pick(7000, 9500) : pick(1, 90)),
-                        static_cast<char>(pick(32, 126)));
+        if (kind == 0) data.append(static_cast<std::size_t>(longRuns ? pick(7000, 9500) : pick(1, 90)), static_cast<char>(pick(32, 126)));
         if (kind == 1) data.append(static_cast<std::size_t>(pick(1, 80)), '\0');
         for (int n = kind < 2 ? 0 : pick(1, 60); n > 0; --n) {
             if (kind == 2 || kind == 3) data += static_cast<char>(pick(32, 126));  // printable, or wide text
