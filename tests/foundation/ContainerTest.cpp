@@ -178,8 +178,8 @@ TEST(ContainerVirtuals, GrowthAndByValueFormsGoThroughTheVirtuals)
     (void)static_cast<ZKContainer<int> const&>(c)[0];
     c.PushBack(2);
     c.PushBack(3);
-    EXPECT_EQ(c.calls, (Strings{"PushBack", "PushFront", "PopFront&", "GetItem& 0", "PushBack", "PushBack", "Reserve 4",
-                                "GetItem& 0", "GetItem& 1", "Clear", "PushBack", "PushBack"}));
+    EXPECT_EQ(c.calls, (Strings{"PushBack", "PushFront", "PopFront&", "GetItem& 0", "PushBack", "PushBack",
+                                "Reserve 4", "GetItem& 0", "GetItem& 1", "Clear", "PushBack", "PushBack"}));
 }
 
 // Random operations on small rings, where the wrap points come constantly:

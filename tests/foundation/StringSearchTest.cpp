@@ -82,8 +82,7 @@ TEST(StringPrefix, StartsAndEndsWith)
 {
     ZKString const s("prefix-body");
     EXPECT_TRUE(s.StartsWith("pre") && s.StartsWith("") && s.StartsWith("prefix-body"));
-    EXPECT_FALSE(s.StartsWith("prefix-body!") || s.StartsWith("Pre") ||
-                 s.StartsWith(static_cast<char const*>(nullptr)));
+    EXPECT_FALSE(s.StartsWith("prefix-body!") || s.StartsWith("Pre") || s.StartsWith(static_cast<char const*>(nullptr)));
     EXPECT_TRUE(s.EndsWith("body") && s.EndsWith(""));
     EXPECT_FALSE(s.EndsWith("xprefix-body") || s.EndsWith("bod") || s.EndsWith(static_cast<char const*>(nullptr)));
     EXPECT_TRUE(Counted(std::string("a\0b", 3)).EndsWith("b") && !ZKString().EndsWith("a")) << "the whole target";
@@ -94,8 +93,7 @@ TEST(StringPrefix, StartsAndEndsWith)
 TEST(StringReplace, SingleBytesAndOnce)
 {
     ZKString s = Counted(std::string("ba\0ana", 6));
-    EXPECT_EQ(s.ReplaceAll('a', 'a') + s.ReplaceAll('\0', 'n'), 4u)
-        << "the whole text; bytes rewritten to themselves count";
+    EXPECT_EQ(s.ReplaceAll('a', 'a') + s.ReplaceAll('\0', 'n'), 4u) << "the whole text; bytes rewritten to themselves count";
     EXPECT_TRUE(s.ReplaceOnceFromEnd('a', 'b') && s.ReplaceOnceFromStart('a', 'c'));
     EXPECT_FALSE(s.ReplaceOnceFromEnd('z', 'c'));
     EXPECT_EQ(Bytes(s), "bcnanb");
@@ -173,10 +171,11 @@ TEST(StringSplit, DelimiterRunsAndSets)
         ZKString::Split("p q  r", " ", flag, &lists[1]);
         ZKString::Split(text, ' ', flag, &lists[2]);
         ZKString::Split(text, " ", flag, &lists[3]);
-        for (ZKContainer<ZKString> const& list :
-             {ZKString::Split("p q  r", ' ', flag), ZKString::Split(text, ' ', flag), ZKString::Split(text, " ", flag),
-              text.Split(' ', flag), text.Split(" ", flag), ZKContainer<ZKString>(lists[0]),
-              ZKContainer<ZKString>(lists[1]), ZKContainer<ZKString>(lists[2]), ZKContainer<ZKString>(lists[3])})
+        for (ZKContainer<ZKString> const& list : {ZKString::Split("p q  r", ' ', flag), ZKString::Split(text, ' ', flag),
+                                                  ZKString::Split(text, " ", flag), text.Split(' ', flag),
+                                                  text.Split(" ", flag), ZKContainer<ZKString>(lists[0]),
+                                                  ZKContainer<ZKString>(lists[1]), ZKContainer<ZKString>(lists[2]),
+                                                  ZKContainer<ZKString>(lists[3])})
             EXPECT_EQ(ItemBytes(list), (Pieces{"p", "q", "r"}));
         EXPECT_EQ(lists[0].pushes + lists[1].pushes + lists[2].pushes + lists[3].pushes, 12);
     }
