@@ -11,6 +11,7 @@
 #include "foundation/Support.h"
 
 using zk64::test::Items;
+using zk64::test::RingState;
 using zk64::test::RingView;
 using Ints = std::vector<int>;
 using Strings = std::vector<std::string>;
@@ -18,6 +19,15 @@ using Strings = std::vector<std::string>;
 namespace {
 
 std::string Slot(unsigned long long slot) { return slot == ~0ull ? "-" : std::to_string(slot); }
+
+// The end slots and the whole storage, stale slots included.
+std::string Ring(ZKContainer<int> const& c)
+{
+    RingView<int> const view(c);
+    std::string out = Slot(view.Front()) + "/" + Slot(view.Back()) + ":";
+    for (int item : view.Storage()) out += std::to_string(item) + ",";
+    return out;
+}
 
 // Runs a script of operations and reports what each returned, then the live
 // items and the capacity. bN/fN push N at the back/front, e emplaces at the
@@ -29,26 +39,20 @@ std::string Script(ZKContainer<int>& c, char const* script)
     std::string op, out;
     while (in >> op) {
         int const n = op.size() > 1 ? std::stoi(op.substr(1)) : 0;
+        auto const index = static_cast<unsigned long long>(n);
         int value = -1;
-        switch (op[0]) {
-        case 'b': out += Slot(c.PushBack(n)); break;
-        case 'f': out += Slot(c.PushFront(n)); break;
-        case 'e': out += Slot(c.EmplaceBack()); break;
-        case 'B': out += c.PopBack(value) ? std::to_string(value) : "!"; break;
-        case 'F': out += c.PopFront(value) ? std::to_string(value) : "!"; break;
-        case 'r': out += c.Remove(static_cast<unsigned long long>(n)) ? "y" : "n"; break;
-        case 'R': c.Reserve(static_cast<unsigned long long>(n)); continue;
-        case 'z': c.Resize(static_cast<unsigned long long>(n)); continue;
-        case 'g': c.SetContainerAutoResize(n != 0); continue;
-        case 'c': c.Clear(); continue;
-        case '?': {
-            RingView<int> const view(c);
-            out += Slot(view.Front()) + "/" + Slot(view.Back()) + ":";
-            for (int item : view.Storage()) out += std::to_string(item) + ",";
-            break;
-        }
-        }
-        out += " ";
+        char const kind = op[0];
+        if (kind == 'b') out += Slot(c.PushBack(n)) + " ";
+        if (kind == 'f') out += Slot(c.PushFront(n)) + " ";
+        if (kind == 'e') out += Slot(c.EmplaceBack()) + " ";
+        if (kind == 'B') out += (c.PopBack(value) ? std::to_string(value) : "!") + " ";
+        if (kind == 'F') out += (c.PopFront(value) ? std::to_string(value) : "!") + " ";
+        if (kind == 'r') out += c.Remove(index) ? "y " : "n ";
+        if (kind == 'R') c.Reserve(index);
+        if (kind == 'z') c.Resize(index);
+        if (kind == 'g') c.SetContainerAutoResize(n != 0);
+        if (kind == 'c') c.Clear();
+        if (kind == '?') out += Ring(c) + " ";
     }
     out += "[";
     for (int item : Items(c)) out += std::to_string(item) + " ";
@@ -143,20 +147,26 @@ TEST(ContainerItems, UncheckedCheckedAndCopiedAccess)
 
 // Records the virtual calls the container makes on itself.
 struct CallLog : ZKContainer<int> {
-    explicit CallLog(unsigned long long n) : ZKContainer<int>(n) {}
+    using Base = ZKContainer<int>;
+    explicit CallLog(unsigned long long n) : Base(n) {}
     Strings calls;
-    void Log(std::string call) const { const_cast<CallLog*>(this)->calls.push_back(std::move(call)); }
-    void Clear() override { Log("Clear"), ZKContainer<int>::Clear(); }
-    void Reserve(unsigned long long n) override { Log("Reserve " + std::to_string(n)), ZKContainer<int>::Reserve(n); }
-    unsigned long long PushBack(int const& x) override { return Log("PushBack"), ZKContainer<int>::PushBack(x); }
-    unsigned long long PushFront(int const& x) override { return Log("PushFront"), ZKContainer<int>::PushFront(x); }
-    bool PopFront(int& out) override { return Log("PopFront&"), ZKContainer<int>::PopFront(out); }
+    CallLog& Log(std::string call) const
+    {
+        auto& self = const_cast<CallLog&>(*this);
+        self.calls.push_back(std::move(call));
+        return self;
+    }
+    void Clear() override { Log("Clear").Base::Clear(); }
+    void Reserve(unsigned long long n) override { Log("Reserve " + std::to_string(n)).Base::Reserve(n); }
+    unsigned long long PushBack(int const& x) override { return Log("PushBack").Base::PushBack(x); }
+    unsigned long long PushFront(int const& x) override { return Log("PushFront").Base::PushFront(x); }
+    bool PopFront(int& out) override { return Log("PopFront&").Base::PopFront(out); }
     bool GetItem(int& out, unsigned long long const& index) const override
     {
-        return Log("GetItem& " + std::to_string(index)), ZKContainer<int>::GetItem(out, index);
+        return Log("GetItem& " + std::to_string(index)).Base::GetItem(out, index);
     }
-    using ZKContainer<int>::GetItem;
-    using ZKContainer<int>::PopFront;
+    using Base::GetItem;
+    using Base::PopFront;
 };
 
 TEST(ContainerVirtuals, GrowthAndByValueFormsGoThroughTheVirtuals)
@@ -172,13 +182,6 @@ TEST(ContainerVirtuals, GrowthAndByValueFormsGoThroughTheVirtuals)
                                 "Reserve 4", "GetItem& 0", "GetItem& 1", "Clear", "PushBack", "PushBack"}));
 }
 
-// A derived type: Reserve then takes the step-by-step re-push path through
-// the virtual operations instead of the closed form.
-struct Stepwise : ZKContainer<int> {
-    explicit Stepwise(unsigned long long n) : ZKContainer<int>(n) {}
-    void Clear() override { ZKContainer<int>::Clear(); }
-};
-
 // Random operations on small rings, where the wrap points come constantly:
 // the content must follow a std::deque, and the closed-form Reserve must
 // leave exactly the storage that the step-by-step re-push leaves.
@@ -187,47 +190,41 @@ TEST(ContainerModel, FollowsADequeAndTheStepwiseRepush)
     std::mt19937 random(12345);
     for (unsigned long long capacity = 1; capacity <= 6; ++capacity) {
         ZKContainer<int> c(capacity);
-        Stepwise slow(capacity);
+        CallLog slow(capacity);  // derived: its Reserve re-pushes step by step through the virtuals
         std::deque<int> model;
         for (int step = 0; step < 4000; ++step) {
             unsigned const op = random() % 9;
             auto const arg = static_cast<unsigned long long>(random() % 4);
             bool const removable = !c.IsContainerFull() && arg < model.size();
-            int out = -1;
+            bool const some = !model.empty();
             for (ZKContainer<int>* x : {&c, static_cast<ZKContainer<int>*>(&slow)}) {
-                bool const primary = x == &c;
-                switch (op) {
-                case 0: case 1: ASSERT_NE(x->PushBack(step), ~0ull); break;
-                case 2: case 3: ASSERT_NE(x->PushFront(step), ~0ull); break;
-                case 4: ASSERT_EQ(x->PopFront(out), !model.empty()); break;
-                case 5: ASSERT_EQ(x->PopBack(out), !model.empty()); break;
-                case 6: ASSERT_EQ(x->Remove(arg), removable) << step; break;
-                case 7: x->Reserve(model.size() + arg / 2 + (model.empty() ? 1 : 0)); break;
-                default:
-                    if (!model.empty()) {
-                        ASSERT_TRUE(x->SetItem(step, arg % model.size()));
-                    }
-                }
-                if (primary && (op == 4 || op == 5) && !model.empty()) {
+                int out = -1;
+                unsigned long long slot = 0;
+                bool done = true;
+                if (op < 2) slot = x->PushBack(step);
+                if (op == 2 || op == 3) slot = x->PushFront(step);
+                if (op == 4) done = x->PopFront(out);
+                if (op == 5) done = x->PopBack(out);
+                if (op == 6) done = x->Remove(arg);
+                if (op == 7) x->Reserve(model.size() + arg / 2 + (some ? 0 : 1));
+                if (op == 8 && some) done = x->SetItem(step, arg % model.size());
+                ASSERT_NE(slot, ~0ull) << "step " << step;
+                ASSERT_EQ(done, op == 4 || op == 5 ? some : op != 6 || removable) << "step " << step;
+                if ((op == 4 || op == 5) && some) {
                     ASSERT_EQ(out, op == 4 ? model.front() : model.back());
                 }
             }
-            switch (op) {
-            case 0: case 1: model.push_back(step); break;
-            case 2: case 3: model.push_front(step); break;
-            case 4: if (!model.empty()) model.pop_front(); break;
-            case 5: if (!model.empty()) model.pop_back(); break;
-            case 6: if (removable) model.erase(model.begin() + static_cast<long>(arg)); break;
-            case 8: if (!model.empty()) model[arg % model.size()] = step; break;
-            }
+            if (op < 2) model.push_back(step);
+            if (op == 2 || op == 3) model.push_front(step);
+            if (op == 4 && some) model.pop_front();
+            if (op == 5 && some) model.pop_back();
+            if (op == 6 && removable) model.erase(model.begin() + static_cast<long>(arg));
+            if (op == 8 && some) model[arg % model.size()] = step;
             ASSERT_EQ(Items(c), Ints(model.begin(), model.end())) << "step " << step;
             if (!model.empty()) {
-                ASSERT_EQ(c.PeekFront() * 100000 + c.PeekBack(), model.front() * 100000 + model.back());
+                ASSERT_EQ(Ints({c.PeekFront(), c.PeekBack()}), Ints({model.front(), model.back()}));
             }
-            RingView<int> a(c), b(slow);
-            ASSERT_EQ(a.Front(), b.Front());
-            ASSERT_EQ(a.Back(), b.Back());
-            ASSERT_EQ(a.Storage(), b.Storage()) << "step " << step;
+            ASSERT_EQ(RingState(c), RingState<int>(slow)) << "step " << step;
         }
     }
 }

@@ -19,8 +19,7 @@ TEST(BitHelpers, FlagWordsAndHalves)
         unsigned long long off = r.value, on = r.value;
         SetBitsOff(off, r.mask);
         SetBitsOn(on, r.mask);
-        EXPECT_EQ(off, r.off) << r.value << " " << r.mask;
-        EXPECT_EQ(on, r.on) << r.value << " " << r.mask;
+        EXPECT_EQ(std::vector({off, on}), std::vector({r.off, r.on})) << r.value << " " << r.mask;
         EXPECT_EQ(AreBitsSet(r.value, r.mask), r.set) << r.value << " " << r.mask;
     }
 
@@ -34,13 +33,13 @@ TEST(BitHelpers, FlagWordsAndHalves)
     EXPECT_TRUE(value == 5 && value2 == 0x0123456789ABCDEFull) << "the old content is ignored";
 
     // Counts of 0 or at least the width keep the whole value.
-    EXPECT_EQ(Extract64BitInteger(~0ull, 63), 0x7FFFFFFFFFFFFFFFull);
-    for (unsigned count : {0u, 64u, 200u}) EXPECT_EQ(Extract64BitInteger(~0ull, count), ~0ull);
-    EXPECT_EQ(Extract64BitInteger(0xABCDull, 8), 0xCDull);
-    EXPECT_EQ(ExtractFlagBitRange(0xABCDull, 4), 0xDull);
-    EXPECT_EQ(Extract32BitInteger(~0u, 31), 0x7FFFFFFFu);
-    for (unsigned count : {0u, 32u}) EXPECT_EQ(Extract32BitInteger(~0u, count), ~0u);
-    EXPECT_EQ(Extract32BitInteger(0xF0F0u, 12), 0x0F0u);
+    EXPECT_EQ(std::vector({Extract64BitInteger(~0ull, 63), Extract64BitInteger(~0ull, 0),
+                           Extract64BitInteger(~0ull, 64), Extract64BitInteger(~0ull, 200),
+                           Extract64BitInteger(0xABCDull, 8), ExtractFlagBitRange(0xABCDull, 4)}),
+              std::vector({0x7FFFFFFFFFFFFFFFull, ~0ull, ~0ull, ~0ull, 0xCDull, 0xDull}));
+    EXPECT_EQ(std::vector({Extract32BitInteger(~0u, 31), Extract32BitInteger(~0u, 0), Extract32BitInteger(~0u, 32),
+                           Extract32BitInteger(0xF0F0u, 12)}),
+              std::vector({0x7FFFFFFFu, ~0u, ~0u, 0x0F0u}));
 }
 
 TEST(MemoryHelpers, NullAndZeroLengthNeverTouchMemory)
@@ -50,7 +49,10 @@ TEST(MemoryHelpers, NullAndZeroLengthNeverTouchMemory)
     MemoryCopy(nullptr, source, 4);
     MemoryCopy(buffer, nullptr, 4);
     MemoryCopy(buffer, source, 0);
-    MemorySet(nullptr, 7, 4), MemorySet(buffer, 7, 0), MemoryCopy(buffer, source, 2), MemorySet(buffer + 3, 0xAB, 1);
+    MemorySet(nullptr, 7, 4);
+    MemorySet(buffer, 7, 0);
+    MemoryCopy(buffer, source, 2);
+    MemorySet(buffer + 3, 0xAB, 1);
     EXPECT_EQ(std::vector<int>(buffer, buffer + 4), (std::vector<int>{9, 9, 3, 0xAB}));
     EXPECT_FALSE(MemoryCompareEqual(buffer, buffer, 0)) << "two empty ranges are not equal";
     EXPECT_FALSE(MemoryCompareEqual(nullptr, buffer, 3) || MemoryCompareEqual(buffer, nullptr, 3));
@@ -66,7 +68,8 @@ TEST(FlagsMembers, ActOnTheContainerGrowthBit)
     EXPECT_TRUE(c.AreBitsSet(0b0101));
     c.SetFlagsData(0xF0);
     EXPECT_FALSE(c.IsContainerAutoResize()) << "SetFlagsData replaces bit 0 too";
-    c.SetFlagsData(0x1), c.PushBack(1);
+    c.SetFlagsData(0x1);
+    c.PushBack(1);
     c.ClearFlagsData();
     EXPECT_EQ(c.PushBack(2), ~0ull);
     c.SetBitsOn(1);

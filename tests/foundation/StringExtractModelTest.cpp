@@ -13,8 +13,8 @@
 
 #include "foundation/Support.h"
 
-using zk64::test::Bytes;
 using zk64::test::ItemBytes;
+using zk64::test::RingState;
 
 namespace {
 
@@ -71,55 +71,39 @@ TEST(StringExtractModel, GeneratedData)
     }
 }
 
-namespace {
-
-// Capacity, count and every slot of a list, the slots beyond the items too.
-std::vector<std::string> SlotBytes(ZKContainer<ZKString>& list)
-{
-    std::vector<std::string> out{std::to_string(list.GetMaxItemCount()), std::to_string(list.GetItemCount())};
-    for (unsigned long long i = 0; i < list.GetMaxItemCount(); ++i) out.push_back(Bytes(list.GetItem(i)));
-    return out;
-}
-
-}  // namespace
-
-// A list the caller has not used yet is filled in one go: slot for slot it
-// must end as the one-by-one pushes (with their doublings) leave it. Stale
-// slots from an earlier use stay, and a list emptied by pops is not unused.
+// A list the caller has not used yet (a plain, growing list with a capacity,
+// empty in the state its construction or a Clear leaves) is filled in one
+// go: slot for slot it must end as the one-by-one pushes (with their
+// doublings) leave it. Stale slots from an earlier use stay; a list emptied
+// by pops, one holding an item and one that does not grow are pushed to.
 TEST(StringExtractModel, OneGoFillMatchesPushesSlotForSlot)
 {
     for (unsigned long long items : {0ull, 1ull, 4ull, 5ull, 511ull, 512ull, 513ull, 1025ull, 2100ull}) {
         std::string data;
-        for (unsigned long long i = 0; i < items; ++i) data += "item" + std::string{static_cast<char>('0' + i % 10), '\0'};
+        for (unsigned long long i = 0; i < items; ++i)
+            data += "item" + std::string{static_cast<char>('0' + i % 10), '\0'};
         auto const* bytes = reinterpret_cast<unsigned char const*>(data.data());
-        for (unsigned long long capacity : {1ull, 3ull, 512ull}) {
-            for (int state = 0; state < 3; ++state) {
+        for (unsigned long long capacity : {0ull, 1ull, 3ull, 512ull}) {
+            for (int state = 0; state < 5; ++state) {
                 ZKContainer<ZKString> expected(capacity), actual(capacity);
                 for (auto* list : {&expected, &actual}) {
                     if (state == 1) {
-                        for (char const* text : {"stale1", "stale2", "stale3", "stale4", "stale5"}) list->PushBack(text);
+                        for (char const* text : {"stale1", "stale2", "stale3", "stale4", "stale5"})
+                            list->PushBack(text);
                         list->Clear();
                     }
-                    if (state == 2) list->PushBack("gone"), list->PopFront();
+                    if (state == 2 || state == 4) list->PushBack("gone");
+                    if (state == 2) list->PopFront();
+                    if (state == 3) list->SetContainerAutoResize(false);
                 }
                 zk64::detail::ExtractStringsByteByByte(bytes, data.size(), 4, false, expected);
                 zk64::detail::ExtractStrings(bytes, data.size(), 4, false, actual);
-                ASSERT_EQ(SlotBytes(actual), SlotBytes(expected)) << items << " items, capacity " << capacity << " state " << state;
+                ASSERT_EQ(RingState(actual), RingState(expected))
+                    << items << " items, capacity " << capacity << " state " << state;
             }
         }
     }
-
-    // Only a plain, growing, non-empty-capacity list that is empty in the
-    // state its construction or a Clear leaves is unused.
     struct Derived : ZKContainer<ZKString> {};
-    ZKContainer<ZKString> fresh, cleared, fixed, popped, holding, none(0);
-    Derived derived;
-    cleared.PushBack("x");
-    cleared.Clear();
-    fixed.SetContainerAutoResize(false);
-    popped.PushBack("x");
-    popped.PopFront();
-    holding.PushBack("x");
-    ZKContainer<ZKString> const* const lists[] = {&fresh, &cleared, &derived, &fixed, &popped, &holding, &none};
-    for (int i = 0; i < 7; ++i) EXPECT_EQ(zk64::detail::IsUnusedList(*lists[i]), i < 2) << i;
+    EXPECT_TRUE(zk64::detail::IsUnusedList(ZKContainer<ZKString>()));
+    EXPECT_FALSE(zk64::detail::IsUnusedList(Derived())) << "only the plain type is filled in one go";
 }

@@ -11,7 +11,6 @@
 
 #include "foundation/Support.h"
 
-using zk64::test::Bytes;
 using zk64::test::Counted;
 using zk64::test::ItemBytes;
 using Items = std::vector<std::string>;
@@ -29,7 +28,7 @@ std::string Wide(std::string const& text)  // UTF-16LE bytes of an ASCII text
 
 }  // namespace
 
-TEST(StringExtract, HandTracedRuns)
+TEST(StringExtract, HandTracedRunsAppendedToTheList)
 {
     std::string const tenThousand = std::string(10000, 'x') + Z(1);
     struct Row {
@@ -66,25 +65,19 @@ TEST(StringExtract, HandTracedRuns)
         // plain run's end emits an empty item.
         {"ab\x01", 0, false, {""}}, {"a\x01\x01", 0, true, {std::string("a\0", 2)}},
     };
+    // Both forms append to the list and report whether it holds any item,
+    // old ones included.
     for (Row const& row : rows) {
-        ZKContainer<ZKString> out;
+        ZKContainer<ZKString> out, old;
+        old.PushBack(ZKString("old"));
         EXPECT_EQ(ZKString::FindStringsInBinaryData(Counted(row.bytes), row.minimum, row.wide, out), !row.items.empty());
+        EXPECT_TRUE(Counted(row.bytes).FindStringsInBinaryData(row.minimum, row.wide, old));
         EXPECT_EQ(ItemBytes(out), row.items) << row.bytes.substr(0, 40) << " " << row.minimum << " " << row.wide;
+        Items const all = ItemBytes(old);
+        EXPECT_EQ(Items(all.begin() + 1, all.end()), row.items) << "appended after the old item";
     }
-}
-
-TEST(StringExtract, AppendsToTheListAndReportsAnyItem)
-{
-    ZKContainer<ZKString> out;
-    out.PushBack(ZKString("old"));
-    EXPECT_TRUE(ZKString::FindStringsInBinaryData(ZKString("nothing"), 4, true, out)) << "old items count";
-    ZKString const data = Counted("first" + Z(1) + "second" + Z(1));
-    EXPECT_TRUE(data.FindStringsInBinaryData(4, false, out));
-    EXPECT_EQ(ItemBytes(out), (Items{"old", "first" + Z(5), "second" + Z(6)}));
-
     ZKContainer<ZKString> own(1);
     own.PushBack(Counted("abcd" + Z(1) + "efgh" + Z(1)));
     EXPECT_TRUE(own.GetItem(0).FindStringsInBinaryData(4, false, own)) << "the member form reads a copy";
-    EXPECT_EQ(ItemBytes(own).size(), 3u);
-    EXPECT_EQ(Bytes(own.GetItem(2)), "efgh" + Z(4));
+    EXPECT_EQ(ItemBytes(own), (Items{"abcd" + Z(1) + "efgh" + Z(1), "abcd" + Z(4), "efgh" + Z(4)}));
 }

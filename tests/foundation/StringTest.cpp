@@ -4,14 +4,18 @@
 
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "foundation/Support.h"
 
+using zk64::test::AllBytes;
 using zk64::test::Bytes;
 using zk64::test::Counted;
 using zk64::test::ExpectThrowWithMessage;
 
 namespace {
+
+using Texts = std::vector<std::string>;
 
 std::string const kZero("a\0b", 3);  // three bytes with an embedded zero
 
@@ -25,19 +29,17 @@ TEST(StringConstruction, CountedFormsAndWhereTextsAreCut)
 {
     ZKString const zero = Counted(kZero);
     ZKString const source("abc");
-    EXPECT_EQ(Bytes(ZKString("ab\0xy", 5)), std::string("ab\0xy", 5)) << "reads past the first zero";
-    EXPECT_EQ(Bytes(ZKString("xyz", 2)), "xy");
-    EXPECT_EQ(ZKString('\0').GetSize(), 1);
-    EXPECT_EQ(Bytes(ZKString(source, 5)), std::string("abc\0\0", 5)) << "past the size reads zeros";
-    EXPECT_EQ(Bytes(ZKString(zero, 3)), kZero);
-    EXPECT_EQ(Bytes(ZKString(zero)), "a") << "copy construction cuts";
+    // The counted forms read past the first zero, and past the size they
+    // read zeros; copy construction and operator+ cut.
+    EXPECT_EQ(
+        AllBytes(ZKString("ab\0xy", 5), ZKString("xyz", 2), ZKString('\0'), ZKString(source, 5), ZKString(zero, 3),
+                 ZKString(zero), zero + ""),
+        (Texts{std::string("ab\0xy", 5), "xy", std::string(1, '\0'), std::string("abc\0\0", 5), kZero, "a", "a"}));
     ZKString assigned, set;
     assigned = zero;
     set.SetString(zero);
-    EXPECT_EQ(Bytes(assigned), kZero) << "assignment keeps the whole text";
-    EXPECT_EQ(Bytes(set), "a");
+    EXPECT_EQ(AllBytes(assigned, set), (Texts{kZero, "a"})) << "assignment keeps the whole text, SetString cuts";
     EXPECT_EQ(ZKString(ZKString(zero, 3)).GetSize(), 3) << "moves keep the whole text";
-    EXPECT_EQ(Bytes(zero + ""), "a") << "operator+ cuts the joined text";
     set.SetString("p\0q");
     EXPECT_EQ(Bytes(set), "p");
     set.SetString(set, 3);
@@ -60,21 +62,38 @@ TEST(StringConstruction, CountedFormsAndWhereTextsAreCut)
     EXPECT_EQ(Bytes(target), "keep") << "self-assignment does nothing";
 }
 
+// Each row holds for the member operators and for the free ones with the
+// sides exchanged.
 TEST(StringComparison, ByteExactOverTheRightLengths)
 {
+    auto check = [](ZKString const& s, auto other, bool equal) {
+        EXPECT_EQ(s == other, equal) << Bytes(s);
+        EXPECT_EQ(other == s, equal) << Bytes(s);
+        EXPECT_EQ(s != other, !equal) << Bytes(s);
+        EXPECT_EQ(other != s, !equal) << Bytes(s);
+    };
     ZKString const zero = Counted(kZero);
-    EXPECT_FALSE(zero == "a") << "sizes differ: 3 against 1";
-    EXPECT_FALSE(ZKString("A") == "a") << "no case folding";
-    EXPECT_TRUE(zero == Counted(kZero));
-    EXPECT_TRUE(zero != Counted(std::string("a\0c", 3)));
-    EXPECT_TRUE(ZKString("x") == 'x' && !(ZKString("xx") == 'x'));
-    EXPECT_TRUE(ZKString('\0') == '\0' && ZKString() != '\0') << "an empty string is not char 0";
+    check(zero, "a", false);  // sizes differ: 3 against 1
+    check(Counted(std::string("a\0", 2)), "a", false);
+    check(ZKString("A"), "a", false);  // no case folding
+    check(ZKString("a"), "a", true);
+    check(ZKString("a"), "ab", false);
+    check(zero, Counted(kZero), true);
+    check(zero, Counted(std::string("a\0c", 3)), false);
+    check(ZKString("x"), 'x', true);
+    check(ZKString("xx"), 'x', false);
+    check(ZKString("a"), 'b', false);
+    check(ZKString('\0'), '\0', true);
+    check(ZKString(), '\0', false);  // an empty string is not char 0
 }
 
 TEST(StringConcatenation, AppendAndPlusCuts)
 {
     ZKString s("ab");
-    s += ZKString("cd"), s += "ef", s += 'g', s += Counted(kZero);
+    s += ZKString("cd");
+    s += "ef";
+    s += 'g';
+    s += Counted(kZero);
     EXPECT_EQ(Bytes(s), "abcdefga") << "appends up to the right side's first zero";
     s += '\0';
     EXPECT_EQ(s.GetSize(), 9) << "a zero byte is appended too";
@@ -87,6 +106,10 @@ TEST(StringConcatenation, AppendAndPlusCuts)
     EXPECT_EQ(Bytes(left + '\0'), "ab") << "char 0 leaves the left side alone";
     EXPECT_EQ(Bytes(left + Counted(kZero)), "aba");
     EXPECT_EQ(Bytes(Counted(kZero) + "zz"), "a") << "the left side's zero cuts the result";
+    EXPECT_EQ(Bytes("x" + ZKString("yz")), "xyz");
+    EXPECT_EQ(Bytes('x' + ZKString("yz")), "xyz");
+    EXPECT_TRUE(('\0' + ZKString("yz")).IsEmpty()) << "a zero left side cuts everything";
+    EXPECT_EQ(Bytes("x" + Counted(kZero)), "xa");
 }
 
 TEST(StringAccess, IndexingSubstringsAndSizes)
@@ -100,12 +123,10 @@ TEST(StringAccess, IndexingSubstringsAndSizes)
     ExpectBadPosition([&] { (void)static_cast<ZKString const&>(s).At(100); });
 
     ZKString const t("xyz");
-    EXPECT_EQ(Bytes(t.GetString(3ull)), "xyz");
-    EXPECT_EQ(Bytes(t.GetString(2ull)), "xy");
-    EXPECT_TRUE(t.GetString(4ull).IsEmpty()) << "a count past the size gives nothing";
-    EXPECT_EQ(Bytes(t.GetString(1ull, 100u)), "yz");
-    EXPECT_TRUE(t.GetString(3ull, 1u).IsEmpty());
-    EXPECT_TRUE(Counted(kZero).GetString(1ull, 2u).IsEmpty()) << "starts on the zero byte";
+    EXPECT_EQ(AllBytes(t.GetString(3ull), t.GetString(2ull), t.GetString(4ull), t.GetString(1ull, 100u),
+                       t.GetString(3ull, 1u), Counted(kZero).GetString(1ull, 2u)),
+              (Texts{"xyz", "xy", "", "yz", "", ""}))
+        << "a count past the size gives nothing, and so does a start on the zero byte";
 
     s.Reserve(1000);
     EXPECT_EQ(Bytes(s), "xYZ") << "Reserve never changes the text";
@@ -113,7 +134,8 @@ TEST(StringAccess, IndexingSubstringsAndSizes)
     s.Clear();
     EXPECT_TRUE(s.IsEmpty() && s.GetString() == buffer) << "Clear keeps the buffer";
     s = "abc";
-    EXPECT_EQ(Bytes((s.Resize(5), s)), std::string("abc\0\0", 5));
+    s.Resize(5);
+    EXPECT_EQ(Bytes(s), std::string("abc\0\0", 5));
     s.Resize(1);
     ExpectTooLong([&] { s.Resize(~0ull); });
     ExpectTooLong([&] { s.Reserve(~0ull); });
@@ -127,7 +149,8 @@ TEST(StringInsert, SingleRepeatedAndStaticForms)
     for (auto [byte, at] : {std::pair{'c', 2u}, {'e', 4u}, {'\0', 1u}}) s.Insert(byte, at);
     EXPECT_EQ(Bytes(s), "abcde") << "a zero byte inserts nothing";
     ExpectBadPosition([&] { s.Insert('\0', 99); });
-    s.Insert(ZKString(">")), s.Insert(Counted(kZero), 6);
+    s.Insert(ZKString(">"));
+    s.Insert(Counted(kZero), 6);
     EXPECT_EQ(Bytes(s), ">abcdea") << "a ZKString is inserted up to its first zero";
     s.Insert(s, 1);
     EXPECT_EQ(Bytes(s), ">>abcdeaabcdea");
@@ -146,11 +169,9 @@ TEST(StringInsert, SingleRepeatedAndStaticForms)
     // inserted text's whole size: "a\0b" inserts "a" but steps by 3.
     ZKString target("XY"), unchanged = Counted(kZero), stepped("0123456"), partial("abc");
     ZKString::Insert(target, ZKString("ab"), 2, 1);
-    EXPECT_EQ(Bytes(target), "XababY");
     ZKString::Insert(unchanged, ZKString("q"), 0, 0);
-    EXPECT_EQ(unchanged.GetSize(), 3);
     ZKString::Insert(stepped, Counted(kZero), 2, 0);
-    EXPECT_EQ(Bytes(stepped), "a01a23456");
     ExpectBadPosition([&] { ZKString::Insert(partial, Counted(kZero), 3, 2); });
-    EXPECT_EQ(Bytes(partial), "abac") << "copies made before the failure stay";
+    EXPECT_EQ(AllBytes(target, unchanged, stepped, partial), (Texts{"XababY", kZero, "a01a23456", "abac"}))
+        << "copies made before the failure stay";
 }
