@@ -12,6 +12,7 @@
 #include <fstream>
 #include <mutex>
 #include <set>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <utility>
@@ -98,6 +99,15 @@ TEST(DirectorySearch, RealTreesMatchTheFileSystem)
         EXPECT_EQ(reported, expected) << dir;
         EXPECT_EQ(GetNumberOfFiles(pattern, true) + GetNumberOfDirs(pattern, true), expected.size()) << dir;
     }
+    // Hostile patterns give nothing; a one-character pattern that matches throws.
+    for (std::string const& pattern : {std::string(), std::string("q"), std::string(5000, 'a'), std::string(258, 'b'),
+                                       root + kSep + "missing" + kSep + "*", root + kSep + "a.txt" + kSep + "*"}) {
+        EXPECT_EQ(GetFilesAndDirectoriesInDir(pattern.c_str(), true).GetItemCount(), 0u) << pattern.size();
+    }
+    fs::path const previous = fs::current_path();
+    fs::current_path(root);
+    EXPECT_THROW(GetFilesInDir("*", false), std::out_of_range);
+    fs::current_path(previous);
 }
 
 TEST(ConvertToSystemPath, LoosePathsBecomeSearchPatterns)
@@ -129,8 +139,10 @@ TEST(DirectoryWatch, ActionsUtf8NamesAndSubtrees)
     for (char const* sub : {"flat", "tree"}) fs::create_directories(fs::path(dir.Dir()) / sub);
     unsigned long long const names = ZK_FILE_NOTIFY_CHANGE_FILE_NAME | ZK_FILE_NOTIFY_CHANGE_DIR_NAME;
     EXPECT_FALSE(AddDirectoryToWatchForChanges(ZKString(dir.Path("missing").c_str()), Collect, names, false));
+    EXPECT_FALSE(AddDirectoryToWatchForChanges(ZKString(flat.string().c_str()), nullptr, names, false));
     ASSERT_TRUE(AddDirectoryToWatchForChanges(ZKString(flat.string().c_str()), Collect,
                                               names | ZK_FILE_NOTIFY_CHANGE_LAST_WRITE, false));
+    EXPECT_FALSE(AddDirectoryToWatchForChanges(ZKString(flat.string().c_str()), Collect, names, false));
     ASSERT_TRUE(AddDirectoryToWatchForChanges(ZKString(dir.Path("tree").c_str()), Collect, names, true));
     std::ofstream(first).close();
     EXPECT_TRUE(Arrives("1:na\xc3\xafve.txt"));
