@@ -1,14 +1,16 @@
 #!/usr/bin/env bash
 # Runs every libFuzzer target of the linux-fuzz preset for long and prints,
 # per target, executions, executions per second, coverage and findings.
-#   scripts/fuzz.sh [SECONDS [RUNS]]   each target until SECONDS have passed
-#                                      (default 60) or RUNS executions are done
+#   scripts/fuzz.sh [SECONDS [RUNS [TARGET...]]]
+#       each target (all of them, or the TARGETs named) until SECONDS have
+#       passed (default 60) or RUNS executions are done
 # Inputs that grow coverage are kept in build/linux-fuzz/tests/fuzz/<name>-found;
 # a finding is written there as <name>-crash-..., -leak-... or -timeout-...
 set -euo pipefail
 cd "$(dirname "$0")/.."
 seconds=${1:-60}
 runs=${2:--1}
+shift $(($# < 2 ? $# : 2))
 
 scripts/deps.sh all >/dev/null
 cmake --preset linux-fuzz >/dev/null
@@ -18,6 +20,7 @@ printf '%-12s %12s %10s %8s %8s %s\n' target executions "exec/s" cov features fi
 status=0
 for options in "$fuzz"/*.options; do
     name=$(basename "$options" .options)
+    if [ $# -gt 0 ] && [[ " $* " != *" $name "* ]]; then continue; fi
     log=$fuzz/$name-long.log
     # shellcheck disable=SC2046 # the options file holds separate words
     ASAN_OPTIONS=detect_leaks=1 build/linux-fuzz/bin/zk64_"$name"_fuzzer $(cat "$options") \
