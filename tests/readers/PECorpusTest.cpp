@@ -213,8 +213,11 @@ int main(int argc, char** argv)
         std::string const value = argv[i + 1];
         if (arg == "--objdump") objdump = value;
         else if (arg == "--every") every = std::max(1ull, std::stoull(value));
-        else if (arg == "--wine-package") listing += Run("dpkg -L '" + value + "' 2>/dev/null | grep /x86_64-windows/");
-        else listing += Run("find '" + value + "'" + (arg == "--built-dir" ? " -maxdepth 1" : "") + " 2>/dev/null || true");
+        else if (arg == "--wine-package")
+            listing += Run("dpkg -L '" + value + "' 2>/dev/null | grep /x86_64-windows/");
+        else
+            listing +=
+                Run("find '" + value + "'" + (arg == "--built-dir" ? " -maxdepth 1" : "") + " 2>/dev/null || true");
     }
     // --mingw-root trees are searched whole, --built-dir only at its top.
     std::vector<std::string> files;
