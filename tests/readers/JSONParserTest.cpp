@@ -4,7 +4,6 @@
 
 #include <atomic>
 #include <chrono>
-#include <set>
 #include <string>
 #include <thread>
 #include <utility>
@@ -55,10 +54,11 @@ ZKJSONParser Loaded(ZKString const& text, unsigned char lookAhead, Symbol symbol
 TEST(JSONParser, AnyNonEmptyFileReadsAndNothingIsKept)
 {
     zk64::test::TempDir dir("json-read");
-    ZKString const notJson(dir.Write("not.json", "this is { not json").c_str()), empty(dir.Write("empty", "").c_str());
+    ZKString const notJson(dir.Write("not.json", "this is { not json").c_str());
+    ZKString const empty(dir.Write("empty", "").c_str());
     ZKJSONParser parser = Loaded("kept", 7, ZK_JSON_SYMBOL_COMMA);
-    EXPECT_TRUE(parser.ReadJSONFile(notJson));
-    EXPECT_TRUE(parser.ReadJSONFile(ZKString(dir.Write("zero", std::string(1, '\0')).c_str())));
+    EXPECT_TRUE(parser.ReadJSONFile(notJson) &&
+                parser.ReadJSONFile(ZKString(dir.Write("zero", std::string(1, '\0')).c_str())));
     EXPECT_EQ(State(parser), "kept|7|6");
     EXPECT_FALSE(parser.ReadJSONFile(empty) || parser.ReadJSONFile(ZKString(dir.Path("missing").c_str())) ||
                  parser.ReadJSONFile(ZKString(dir.Dir().c_str())));
@@ -66,8 +66,7 @@ TEST(JSONParser, AnyNonEmptyFileReadsAndNothingIsKept)
     EXPECT_FALSE(parser.ReadJSONFile(file, empty));
     EXPECT_FALSE(file.IsFileOpen()) << "closed again";
     EXPECT_TRUE(parser.ReadJSONFile(file, notJson));
-    EXPECT_TRUE(file.IsFileOpen()) << "left open for the caller";
-    EXPECT_EQ(file.GetFileStreamType(), FILE_STREAM_READ);
+    EXPECT_TRUE(file.IsFileOpen() && file.GetFileStreamType() == FILE_STREAM_READ) << "left open for the caller";
     EXPECT_FALSE(parser.ReadJSONFile(file, empty)) << "still open";
     EXPECT_STREQ(file.GetFileName(), notJson.GetString());
 }
@@ -76,58 +75,61 @@ TEST(JSONParser, CopiesMovesAndEqualityTakeTextAndLookAheadOnly)
 {
     ZKJSONParser const base = Loaded("ab", 1, ZK_JSON_SYMBOL_NONE);
     EXPECT_TRUE(base == Loaded("ab", 1, ZK_JSON_SYMBOL_WHITESPACE));
-    for (ZKJSONParser const& other : {Loaded("ab", 2, ZK_JSON_SYMBOL_NONE), Loaded("abc", 1, ZK_JSON_SYMBOL_NONE),
-                                      Loaded("aB", 1, ZK_JSON_SYMBOL_NONE), Loaded(ZKString("ab\0", 3), 1, ZK_JSON_SYMBOL_NONE)})
+    for (ZKJSONParser const& other :
+         {Loaded("ab", 2, ZK_JSON_SYMBOL_NONE), Loaded("abc", 1, ZK_JSON_SYMBOL_NONE),
+          Loaded("aB", 1, ZK_JSON_SYMBOL_NONE), Loaded(ZKString("ab\0", 3), 1, ZK_JSON_SYMBOL_NONE)})
         EXPECT_FALSE(base == other);
 
+    // Each step: the target's state, then the source's.
     ZKJSONParser source = Loaded("text", 9, ZK_JSON_SYMBOL_WHITESPACE);
     ZKJSONParser copied(source);
-    EXPECT_EQ(State(copied), "text|9|0");
     ZKJSONParser target = Loaded("old", 1, ZK_JSON_SYMBOL_COLON);
     target = source;
     ZKJSONParser& self = target;
     target = self;
-    EXPECT_EQ(State(target), "text|9|5");
+    EXPECT_EQ(State(copied) + " " + State(target), "text|9|0 text|9|5");
     ZKJSONParser moved(std::move(copied));
-    EXPECT_EQ(State(moved), "text|9|0");
-    EXPECT_EQ(State(copied), "|9|0") << "the text was moved, the byte copied";
+    EXPECT_EQ(State(moved) + " " + State(copied), "text|9|0 |9|0") << "the text was moved, the byte copied";
     target = Loaded("old", 1, ZK_JSON_SYMBOL_COLON);
     target = std::move(moved);
-    EXPECT_EQ(State(target), "text|9|5");
-    EXPECT_EQ(State(moved), "|9|0");
+    EXPECT_EQ(State(target) + " " + State(moved), "text|9|5 |9|0");
 }
 
 TEST(JSONParser, PredicateTablesAndHelpers)
 {
     // Fixed bytes, not the escape, exponent and sign characters themselves.
-    std::pair<Predicate, std::set<int>> const tables[] = {
-        {Member(JsonIsDigit{}), {'0', '1', '2', '3', '4', '5', '6', '7', '8', '9'}},
-        {Member(JsonIsWhiteSpace{}), {0x00, 0x09, 0x0A, 0x0D, 0x20}},
-        {Member(JsonIsEscape{}), {0x10, 0x14, 0x18, 0x1C, 0x20, 0x24, 0x28, 0x2C, 0x30}},
-        {Member(JsonIsExponent{}), {0x00, 0x34, 0x38}},
-        {Member(JsonIsSign{}), {0x00, 0x3C, 0x40}},
-    };
+    std::pair<Predicate, std::string> const tables[] = {
+        {Member(JsonIsDigit{}), "0123456789"},
+        {Member(JsonIsWhiteSpace{}), std::string("\0\t\n\r ", 5)},
+        {Member(JsonIsEscape{}), "\x10\x14\x18\x1C\x20\x24\x28\x2C\x30"},
+        {Member(JsonIsExponent{}), std::string("\0\x34\x38", 3)},
+        {Member(JsonIsSign{}), std::string("\0\x3C\x40", 3)}};
     ZKJSONParser parser = Loaded("t", 3, ZK_JSON_SYMBOL_STRING);
     for (int c = 0; c < 256; ++c) {
         EXPECT_EQ((parser.*Member(JsonIsCharacter{}))(static_cast<unsigned char>(c)), c >= 0x20) << c;
         for (auto const& [predicate, bytes] : tables)
-            EXPECT_EQ((parser.*predicate)(static_cast<unsigned char>(c)), bytes.count(c) == 1) << c;
+            EXPECT_EQ((parser.*predicate)(static_cast<unsigned char>(c)),
+                      bytes.find(static_cast<char>(c)) != std::string::npos)
+                << c;
     }
 
     EXPECT_TRUE((parser.*Member(JsonAcceptSym{}))(ZK_JSON_SYMBOL_STRING));
     EXPECT_FALSE((parser.*Member(JsonAcceptSym{}))(ZK_JSON_SYMBOL_NUMBER));
-    for (Helper helper : {Member(JsonNextSym{}), Member(JsonParseJson{}), Member(JsonConsumeWhiteSpace{}), Member(JsonElement{})})
+    for (Helper helper :
+         {Member(JsonNextSym{}), Member(JsonParseJson{}), Member(JsonConsumeWhiteSpace{}), Member(JsonElement{})})
         (parser.*helper)();
-    EXPECT_EQ(State(parser), "t|3|7");
     ZKJSONParser fresh;
-    EXPECT_EQ(State(fresh), "|0|0") << "the symbol keeps the helpers returning";
+    EXPECT_EQ(State(parser) + " " + State(fresh), "t|3|7 |0|0") << "the symbol keeps the helpers returning";
 
     // With the symbol 24 both helpers spin until the symbol changes (read
     // through an atomic reference, as the helpers read it).
     for (Helper helper : {Member(JsonConsumeWhiteSpace{}), Member(JsonElement{})}) {
         ZKJSONParser spinning = Loaded("", 0, ZK_JSON_SYMBOL_WHITESPACE);
         std::atomic<bool> returned{false};
-        std::thread spinner([&] { (spinning.*helper)(), returned = true; });
+        std::thread spinner([&] {
+            (spinning.*helper)();
+            returned = true;
+        });
         std::this_thread::sleep_for(std::chrono::milliseconds(100));
         EXPECT_FALSE(returned.load());
         std::atomic_ref<Symbol>(spinning.*Member(JsonSymbol{})).store(ZK_JSON_SYMBOL_NONE);

@@ -201,41 +201,29 @@ Facts Reader(std::string const& path, Facts& tool)
     return facts;
 }
 
-std::vector<std::string> Images(fs::path const& root, bool recursive)
-{
-    std::vector<std::string> files;
-    std::error_code error;
-    for (fs::recursive_directory_iterator it(root, fs::directory_options::skip_permission_denied, error), end;
-         !error && it != end; it.increment(error)) {
-        std::string const path = it->path().string();
-        if (!recursive) it.disable_recursion_pending();
-        if (it->is_regular_file() && (path.ends_with(".dll") || path.ends_with(".exe"))) files.push_back(path);
-    }
-    return files;
-}
-
 }  // namespace
 
 int main(int argc, char** argv)
 {
     std::string objdump = "x86_64-w64-mingw32-objdump";
-    std::vector<std::string> files;
+    std::string listing;
     unsigned long long every = 1;
     for (int i = 1; i + 1 < argc; i += 2) {
-        std::string const arg = argv[i], value = argv[i + 1];
+        std::string const arg = argv[i];
+        std::string const value = argv[i + 1];
         if (arg == "--objdump") objdump = value;
         else if (arg == "--every") every = std::max(1ull, std::stoull(value));
-        else if (arg == "--mingw-root" || arg == "--built-dir") {
-            auto const found = Images(value, arg == "--mingw-root");
-            files.insert(files.end(), found.begin(), found.end());
-        } else if (arg == "--wine-package") {
-            std::istringstream listing(Run("dpkg -L '" + value + "' 2>/dev/null"));
-            for (std::string line; std::getline(listing, line);) {
-                if (line.find("/x86_64-windows/") != std::string::npos && fs::is_regular_file(line) &&
-                    (line.ends_with(".dll") || line.ends_with(".exe")))
-                    files.push_back(line);
-            }
-        }
+        else if (arg == "--wine-package")
+            listing += Run("dpkg -L '" + value + "' 2>/dev/null | grep /x86_64-windows/");
+        else
+            listing +=
+                Run("find '" + value + "'" + (arg == "--built-dir" ? " -maxdepth 1" : "") + " 2>/dev/null || true");
+    }
+    // --mingw-root trees are searched whole, --built-dir only at its top.
+    std::vector<std::string> files;
+    std::istringstream lines(listing);
+    for (std::string line; std::getline(lines, line);) {
+        if ((line.ends_with(".dll") || line.ends_with(".exe")) && fs::is_regular_file(line)) files.push_back(line);
     }
     if (Run("'" + objdump + "' --version").empty() || files.empty()) {
         std::printf("SKIPPED: no objdump or no PE images; the PE corpus is not compared\n");
