@@ -1,6 +1,7 @@
 // Package identity through the fake backend: the name queries, the
-// packaged test, the two-step read of a package's description, and the road
-// from the manifest beside the executable to a resolved logo file.
+// packaged test, the two-step read of a package's description, the logo's
+// place in the manifest, and the road from the manifest beside the
+// executable to a resolved logo file.
 
 #include <cstring>
 #include <filesystem>
@@ -10,6 +11,7 @@
 
 #include "FakeProcess.h"
 #include "files/TempFiles.h"
+#include "processes/detail/PackageManifest.h"
 
 namespace {
 
@@ -36,50 +38,39 @@ std::string Query(std::string const& call, int length, bool buffer)
     return call + "(0x44, length=" + std::to_string(length) + ", buffer=" + (buffer ? "out" : "null") + ")";
 }
 
-// A manifest whose application shows `logo`.
-std::string Manifest(std::string const& logo)
+std::string Manifest(std::string const& inside)
 {
-    std::string const application = "<Application><uap:VisualElements Square44x44Logo=\"" + logo + "\"/></Application>";
-    return "<Package><Applications>" + application + "</Applications></Package>";
+    return "<?xml version=\"1.0\"?><Package><Identity Name=\"Pkg\"/>" + inside + "</Package>";
 }
+std::string App(std::string const& inside) { return "<Application Id=\"App\">" + inside + "</Application>"; }
+std::string Visual(std::string const& logo) { return App("<uap:VisualElements " + logo + " DisplayName=\"App\"/>"); }
+std::string Apps(std::string const& inside) { return Manifest("<Applications>" + inside + "</Applications>"); }
 
 using PackageCalls = FakeTest;
+using ManifestLogo = FakeTest;
 
 }  // namespace
 
 TEST_F(PackageCalls, NamesQueryTheLengthThenReadWithIt)
 {
-    auto& script = fake::Packages().GetPackageFullName;
-    std::string const call = "GetPackageFullName";
+    std::string const call = "GetPackageFullName", family = "GetPackageFamilyName";
     for (LONG32 first : {122, 87, 0}) {  // only "no package" refuses
-        script = AnswerName("Pkg_1.0_x64__8wekyb", first);
+        fake::Packages().GetPackageFullName = AnswerName("Pkg_1.0_x64__8wekyb", first);
         ZKString out("old");
         EXPECT_TRUE(GetProcessPackageFullName(kProcess, out) && out == "Pkg_1.0_x64__8wekyb");
         EXPECT_EQ(fake::TakeCalls(), (Calls{Query(call, 0, false), Query(call, 20, true)}));
     }
-    script = AnswerName("ignored", platform::kAppModelErrorNoPackage);
-    ZKString out("old");
-    EXPECT_FALSE(GetProcessPackageFullName(kProcess, out) || GetProcessPackageFullName(ProcessHandle{}, out));
-    EXPECT_EQ(fake::TakeCalls(), (Calls{Query(call, 0, false)})) << "a null handle asks nothing";
-    fake::Packages().GetPackageFamilyName = AnswerName("", 122);  // a length of 0, a read that writes nothing
-    EXPECT_TRUE(GetProcessPackageFamilyName(kProcess, out) && out.IsEmpty());
-    EXPECT_EQ(fake::TakeCalls(),
-              (Calls{Query("GetPackageFamilyName", 0, false), Query("GetPackageFamilyName", 0, true)}));
-    fake::Packages().GetPackageFamilyName = nullptr;
     EXPECT_FALSE(IsProcessUniversalWindowsPlatform(kProcess)) << "a full name alone does not count";
-
-    // The identifier forms give false when the process does not open, and
-    // open it with query rights.
-    ProcessPackageInfo info;
-    EXPECT_FALSE(IsProcessUniversalWindowsPlatform(9ul) || GetProcessPackageFullName(9ul, out) ||
-                 GetProcessPackageFamilyName(9ul, out) || GetProcessPackageInfo(9ul, info));
-    fake::Packages().GetPackageFamilyName = AnswerName("Family", 122);
-    fake::Processes().OpenProcess = [](DWORD, BOOL, DWORD) { return kHandle; };
+    fake::Packages().GetPackageFullName = AnswerName("ignored", platform::kAppModelErrorNoPackage);
+    fake::Packages().GetPackageFamilyName = AnswerName("", 122);  // a length of 0, a read that writes nothing
+    ZKString out("old");
     fake::TakeCalls();
-    EXPECT_TRUE(IsProcessUniversalWindowsPlatform(9ul));
-    EXPECT_EQ(fake::TakeCalls(),
-              (Calls{"OpenProcess(access=0x400, inherit=0, pid=9)", Query("GetPackageFamilyName", 0, false),
-                     Query("GetPackageFamilyName", 7, true), "CloseHandle(handle=0x44)"}));
+    EXPECT_FALSE(GetProcessPackageFullName(kProcess, out) || GetProcessPackageFullName(ProcessHandle{}, out));
+    EXPECT_TRUE(GetProcessPackageFamilyName(kProcess, out) && out.IsEmpty() &&
+                IsProcessUniversalWindowsPlatform(kProcess));
+    EXPECT_EQ(fake::TakeCalls(), (Calls{Query(call, 0, false), Query(family, 0, false), Query(family, 0, true),
+                                        Query(family, 0, false), Query(family, 0, true)}))
+        << "a null handle asks nothing";
 }
 
 TEST_F(PackageCalls, PackageInfoReadsTwiceAndTheSecondCallDecides)
@@ -190,7 +181,7 @@ TEST_F(PackageCalls, ManifestLogoIsResolvedInPlaceWithOneDoubledRetry)
     std::pair<std::vector<HRESULT32>, bool> const rows[] = {
         {{0}, true}, {{small, 0}, true}, {{small, small}, false}, {{fail}, false}, {{small, fail}, false}};
     for (auto const& [told, found] : rows) {
-        EXPECT_EQ(road(Manifest("Assets\\Logo.png"), told), found ? resolved : "");
+        EXPECT_EQ(road(Apps(Visual("Square44x44Logo=\"Assets\\Logo.png\"")), told), found ? resolved : "");
         EXPECT_TRUE(resolving("@{Pkg_1.0.0.0_x64__pub?ms-resource:///Files/Assets/Logo.png}", told.size()));
         EXPECT_TRUE(answers.empty());
     }
@@ -200,11 +191,37 @@ TEST_F(PackageCalls, ManifestLogoIsResolvedInPlaceWithOneDoubledRetry)
     EXPECT_TRUE(resolving("@{Pkg_1.0.0.0_x64__pub?ms-resource:///Files/}", 1));
     std::string const logo(300, 'L');
     resolved = "C:\\Apps\\Pkg\\Assets\\" + logo + logo + ".png";
-    EXPECT_EQ(road(Manifest(logo), {0, 0}), resolved);
+    EXPECT_EQ(road(Apps(Visual("Square44x44Logo=\"" + logo + "\"")), {0, 0}), resolved);
     // Not packaged: nothing beyond the family-name query.
     fake::Packages().GetPackageFamilyName = nullptr;
     fake::TakeCalls();
     EXPECT_EQ(road("", {}), "");
     EXPECT_EQ(fake::TakeCalls(), (Calls{"GetPackageFamilyName(0x44, length=0, buffer=null)"}));
     std::filesystem::remove(manifest);
+}
+
+TEST_F(ManifestLogo, FirstElementsOnTheFixedPathDecideAndSlashesTurnForward)
+{
+    std::string const logo = "Square44x44Logo=\"a.png\"";
+    std::pair<std::string, char const*> const rows[] = {
+        {Apps(Visual("Square44x44Logo=\"Assets\\Logo.png\"")), "Assets\\Logo.png"},
+        {"<Other><Applications>" + Visual(logo) + "</Applications></Other>", "a.png"},  // a root of any name
+        {Apps(Visual(logo) + Visual("Square44x44Logo=\"b.png\"")), "a.png"},
+        {Apps(App("") + Visual(logo)), ""},  // the first Application decides
+        {Apps("<Extensions/>" + App("<Resources/><uap:VisualElements Square150x150Logo=\"b.png\" " + logo + "/>")),
+         "a.png"},
+        {Apps(App("<VisualElements " + logo + "/>")), ""},  // no uap prefix
+        {Apps(""), ""},
+        {Manifest("<Wrapper><Applications>" + Visual(logo) + "</Applications></Wrapper>"), ""},
+        {Apps(Visual(logo)).substr(0, 150), ""},  // malformed
+    };
+    zk64::test::TempDir const dir("manifest");
+    for (auto const& [content, found] : rows) {
+        EXPECT_STREQ(zk64::detail::ManifestLogo(dir.Write("AppxManifest.xml", content).c_str()).GetString(), found)
+            << content;
+    }
+    EXPECT_STREQ(zk64::detail::ManifestLogo(dir.Path("missing.xml").c_str()).GetString(), "");
+    using zk64::detail::LogoResourceString;
+    EXPECT_STREQ(LogoResourceString("F", "N", "\\a/b\\\\c").GetString(), "@{F?ms-resource://N/Files//a/b//c}");
+    EXPECT_STREQ(LogoResourceString("", "", "").GetString(), "@{?ms-resource:///Files/}");
 }
