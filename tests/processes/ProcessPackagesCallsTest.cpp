@@ -46,6 +46,7 @@ std::string App(std::string const& inside) { return "<Application Id=\"App\">" +
 std::string Visual(std::string const& logo) { return App("<uap:VisualElements " + logo + " DisplayName=\"App\"/>"); }
 std::string Apps(std::string const& inside) { return Manifest("<Applications>" + inside + "</Applications>"); }
 
+std::string Text(ZKString const& text) { return text.GetString(); }
 using PackageCalls = FakeTest;
 using ManifestLogo = FakeTest;
 
@@ -140,62 +141,40 @@ TEST_F(PackageCalls, PackageInfoReadsTwiceAndTheSecondCallDecides)
     EXPECT_EQ(fake::TakeCalls().size(), 2u);
 }
 
-TEST_F(PackageCalls, ManifestLogoIsResolvedInPlaceWithOneDoubledRetry)
+TEST_F(PackageCalls, LogoIsResolvedInPlaceWithOneDoubledRetry)
 {
-    // A packaged process whose executable lies in a directory of its own,
-    // with no package description: the package name stays empty.
+    // A packaged process without a package description (the package name
+    // stays empty), with the manifest beside its executable.
     zk64::test::TempDir const dir("logo");
-    std::string const exePath = dir.Path("App.exe"), manifest = dir.Dir() + "\\AppxManifest.xml";
+    std::string const manifest = dir.Dir() + "\\AppxManifest.xml", resolved = "C:\\Logo.png";
+    std::ofstream(manifest, std::ios::binary) << Apps(Visual("Square44x44Logo=\"Assets\\Logo.png\""));
+    ScriptExePath(dir.Path("App.exe"));
     fake::Packages().GetPackageFamilyName = AnswerName("Pkg_pub", 122);
     fake::Packages().GetPackageFullName = AnswerName("Pkg_1.0.0.0_x64__pub", 122);
-    fake::Processes().K32GetModuleFileNameExA = [&](HANDLE, HINSTANCE__*, char* buffer, DWORD size) {
-        std::strncpy(buffer, exePath.c_str(), size);
-        return static_cast<DWORD>(exePath.size());
-    };
-    // Resolves when the output has room, as the shell does, unless told to
-    // fail by `answers`.
+    std::string const resource = "@{Pkg_1.0.0.0_x64__pub?ms-resource:///Files/Assets/Logo.png}";
     std::vector<HRESULT32> answers;
-    std::string resolved = "C:\\Apps\\Pkg\\Assets\\Logo.scale-100.png";
-    fake::Packages().SHLoadIndirectString = [&](WCHAR const*, WCHAR* output, unsigned int size) -> HRESULT32 {
+    fake::Packages().SHLoadIndirectString = [&](WCHAR const*, WCHAR* output, unsigned int) -> HRESULT32 {
         HRESULT32 const answer = answers.at(0);
         answers.erase(answers.begin());
-        if (answer != 0 || resolved.size() >= size) return answer != 0 ? answer : platform::kHresultInsufficientBuffer;
-        std::copy(resolved.c_str(), resolved.c_str() + resolved.size() + 1, output);
-        return 0;
+        if (answer == 0) std::copy(resolved.c_str(), resolved.c_str() + resolved.size() + 1, output);
+        return answer;
     };
-    auto const road = [&](std::string const& content, std::vector<HRESULT32> const& told) {
-        std::ofstream(manifest, std::ios::binary) << content;
-        answers = told;
-        return std::string(GetUniversalWindowsPlatformIconPath(kProcess).GetString());
-    };
-    auto const resolving = [](std::string const& resource, std::size_t tries) {  // the last calls, in place
-        Calls const calls = fake::TakeCalls();
-        Calls expected;
-        for (std::size_t size = resource.size() + 1; expected.size() < tries; size *= 2)
-            expected.push_back("SHLoadIndirectString(\"" + resource +
-                               "\", output=source, size=" + std::to_string(size) + ", reserved=null)");
-        return Calls(calls.end() - static_cast<std::ptrdiff_t>(std::min(tries, calls.size())), calls.end()) == expected;
-    };
-
     HRESULT32 const small = platform::kHresultInsufficientBuffer, fail = static_cast<HRESULT32>(0x80004005U);
     std::pair<std::vector<HRESULT32>, bool> const rows[] = {
         {{0}, true}, {{small, 0}, true}, {{small, small}, false}, {{fail}, false}, {{small, fail}, false}};
     for (auto const& [told, found] : rows) {
-        EXPECT_EQ(road(Apps(Visual("Square44x44Logo=\"Assets\\Logo.png\"")), told), found ? resolved : "");
-        EXPECT_TRUE(resolving("@{Pkg_1.0.0.0_x64__pub?ms-resource:///Files/Assets/Logo.png}", told.size()));
-        EXPECT_TRUE(answers.empty());
+        answers = told;
+        EXPECT_EQ(Text(GetUniversalWindowsPlatformIconPath(kProcess)), found ? resolved : "");
+        Calls const calls = fake::TakeCalls();
+        Calls expected;  // in place, in a buffer of the string's size, then of twice that
+        for (std::size_t size = resource.size() + 1; expected.size() < told.size(); size *= 2)
+            expected.push_back("SHLoadIndirectString(\"" + resource +
+                               "\", output=source, size=" + std::to_string(size) + ", reserved=null)");
+        EXPECT_EQ(Calls(calls.end() - static_cast<std::ptrdiff_t>(told.size()), calls.end()), expected);
     }
-    // Without a logo the resource string is still resolved; a long logo
-    // resolves only in the doubled buffer.
-    EXPECT_EQ(road("<broken", {0}), resolved);
-    EXPECT_TRUE(resolving("@{Pkg_1.0.0.0_x64__pub?ms-resource:///Files/}", 1));
-    std::string const logo(300, 'L');
-    resolved = "C:\\Apps\\Pkg\\Assets\\" + logo + logo + ".png";
-    EXPECT_EQ(road(Apps(Visual("Square44x44Logo=\"" + logo + "\"")), {0, 0}), resolved);
     // Not packaged: nothing beyond the family-name query.
     fake::Packages().GetPackageFamilyName = nullptr;
-    fake::TakeCalls();
-    EXPECT_EQ(road("", {}), "");
+    EXPECT_EQ(Text(GetUniversalWindowsPlatformIconPath(kProcess)), "");
     EXPECT_EQ(fake::TakeCalls(), (Calls{"GetPackageFamilyName(0x44, length=0, buffer=null)"}));
     std::filesystem::remove(manifest);
 }

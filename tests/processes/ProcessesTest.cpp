@@ -85,7 +85,7 @@ TEST(Processes, ChildAndBadIdentifiers)
     EXPECT_TRUE(GetUniversalWindowsPlatformIconPath(pid).IsEmpty() && GetProcessIcon(pid) == nullptr) << "no package";
     child.Stop();
     ZKString kept("kept");
-    EXPECT_FALSE(GetProcessName(0ul, kept) || GetProcessName(0x7FFFFFF0ul, kept) || IsProcess64Bit(pid));
+    EXPECT_FALSE(GetProcessName(0ul, kept) || GetProcessName(0x7FFFFFF0ul, kept) || IsProcess64Bit(0x7FFFFFF0ul));
     EXPECT_TRUE(kept == "kept" && GetProcessExePath(pid).IsEmpty());
     EXPECT_TRUE(ExecuteShellProcess(ZKString(ChildProcess::Path().c_str()), ZKString("--exit"), false));
     EXPECT_FALSE(ExecuteShellProcess(ZKString("zk64-no-such-program-anywhere"), ZKString(""), false));
