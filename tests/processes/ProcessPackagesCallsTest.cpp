@@ -3,10 +3,8 @@
 // place in the manifest, and the road from the manifest beside the
 // executable to a resolved logo file.
 
-#include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <string>
 #include <vector>
 
 #include "FakeProcess.h"
