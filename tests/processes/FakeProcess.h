@@ -5,6 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+#include <string>
+
 #include <zk64/zk64.h>
 
 #include "platform/fake/Fake.h"
@@ -19,6 +22,21 @@ using Calls = fake::Calls;
 
 inline HANDLE const kHandle = reinterpret_cast<HANDLE>(0x44);
 inline ProcessHandle const kProcess{kHandle};
+
+// The recorded call that opens process `pid` with the system rights `access`.
+inline std::string OpenCall(DWORD access, unsigned pid)
+{
+    return "OpenProcess(access=" + fake::Hex(access) + ", inherit=0, pid=" + std::to_string(pid) + ")";
+}
+
+// Scripts the executable path of every process.
+inline void ScriptExePath(std::string const& path)
+{
+    fake::Processes().K32GetModuleFileNameExA = [path](HANDLE, HINSTANCE__*, char* buffer, DWORD) {
+        std::memcpy(buffer, path.c_str(), path.size() + 1);
+        return static_cast<DWORD>(path.size());
+    };
+}
 
 // A test with a fresh fake: no script, no recorded call.
 class FakeTest : public ::testing::Test {

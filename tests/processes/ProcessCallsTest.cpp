@@ -1,16 +1,11 @@
-// The exact platform calls behind the process operations, through the fake
-// backend: access words, the identifier and name forms, the process list,
-// modules, paths, bitness, privileges and the administrator test.
-
-#include <gtest/gtest.h>
-
-#include <zk64/zk64.h>
+// The exact platform calls behind the process, metrics and memory
+// operations, through the fake backend: access words, the identifier and
+// name forms, the process list, modules, paths, bitness, privileges, the
+// administrator test, counters, scheduling and the memory walk.
 
 #include <cstdint>
 #include <cstdlib>
-#include <cstring>
 #include <functional>
-#include <string>
 #include <vector>
 
 #include "FakeProcess.h"
@@ -19,20 +14,9 @@
 namespace {
 
 HINSTANCE__* Module(std::uintptr_t value) { return reinterpret_cast<HINSTANCE__*>(value); }
-std::string Open(DWORD access, unsigned pid)
-{
-    return "OpenProcess(access=" + fake::Hex(access) + ", inherit=0, pid=" + std::to_string(pid) + ")";
-}
 std::string Join(std::string const& directory, std::string const& name)
 {
     return directory + platform::kPathSeparator + name;
-}
-void ScriptExePath(std::string const& path)
-{
-    fake::Processes().K32GetModuleFileNameExA = [path](HANDLE, HINSTANCE__*, char* buffer, DWORD) {
-        std::memcpy(buffer, path.c_str(), path.size() + 1);
-        return static_cast<DWORD>(path.size());
-    };
 }
 // {session 1, pid 4, "System"}, {2, 30, "app.exe"}, {3, 31, "app.exe"}, {4, 32,
 // "App.exe"}, {5, 33, no name}.
@@ -42,6 +26,8 @@ std::vector<platform::WtsProcessInfoA> rows = {{1, 4, const_cast<char*>("System"
                                                {4, 32, const_cast<char*>("App.exe"), nullptr},
                                                {5, 33, nullptr, nullptr}};
 using ProcessCalls = FakeTest;
+using MetricsCalls = FakeTest;
+using MemoryCalls = FakeTest;
 
 }  // namespace
 
@@ -60,7 +46,7 @@ TEST_F(ProcessCalls, AccessWordsTranslateBitByBit)
     for (auto const& row : table) {
         EXPECT_EQ(OpenProcessHandle(77, row[0]).handle, nullptr);
         EXPECT_EQ(OpenProcessTokenHandle(kProcess, row[0]).handle, kHandle);
-        EXPECT_EQ(fake::TakeCalls(), (Calls{Open(static_cast<DWORD>(row[1]), 77), "GetLastError()",
+        EXPECT_EQ(fake::TakeCalls(), (Calls{OpenCall(static_cast<DWORD>(row[1]), 77), "GetLastError()",
                                             "OpenProcessToken(0x44, access=" + fake::Hex(row[2]) + ", token=out)"}));
     }
 }
@@ -73,19 +59,16 @@ TEST_F(ProcessCalls, IdentifierFormsOpenWithTheirWord)
     ZKString name("x");
     ZKContainer<HINSTANCE__*> modules;
     ZKContainer<ZKString> paths;
+    ProcessPackageInfo package;
+    VirtualMemoryAddressInfo region;
     unsigned long long mask = 0x33;
-    struct Row {
-        DWORD rights;
-        std::function<bool()> failed;  // runs the call: whether it gave the failure value
-        bool closesNull = false;
-    };
-    std::vector<Row> const table = {
+    std::vector<std::pair<DWORD, std::function<bool()>>> const table = {
+        // {rights, the call: whether it gave the failure value}
         {0x1000, [&] { return !GetProcessName(9ul, name); }},
         {0x410, [&] { return GetProcessExeDirectory(9ul).IsEmpty(); }},
         {0x400, [&] { return !IsProcess64Bit(9ul); }},
         {0x410, [&] { return !GetProcessModules(9ul, modules); }},
         {0x410, [&] { return !GetProcessModuleNames(9ul, paths); }},
-        {0x410, [&] { return !DoesProcessMatchProcessName(9ul, "app.exe"); }, true},
         {0x410, [&] { return OpenProcessTokenHandle(9ul, 0x100).handle == nullptr; }},
         {0x410, [&] { return GetProcessWorkingSetMaxSizeBytes(9ul) == 0; }},
         {0x400, [&] { return GetProcessNumOfGDIHandles(9ul) == 0; }},
@@ -93,20 +76,27 @@ TEST_F(ProcessCalls, IdentifierFormsOpenWithTheirWord)
         {0x200, [&] { return !SetProcessPriorityClass(9ul, ProcessPriorityHigh); }},
         {0x400, [&] { return !GetProcessAffinity(9ul, mask = 0x33) && mask == 0x33; }},
         {0x200, [&] { return !SetProcessAffinity(9ul, mask); }},
+        {0x400, [&] { return !IsProcessUniversalWindowsPlatform(9ul); }},
+        {0x400, [&] { return !GetProcessPackageFullName(9ul, name); }},
+        {0x400, [&] { return !GetProcessPackageFamilyName(9ul, name); }},
+        {0x400, [&] { return !GetProcessPackageInfo(9ul, package); }},
+        {0x400, [&] { return GetProcessIcon(9ul) == nullptr; }},
+        {0x410, [&] { return !CreateProcessDumpFile("app.dmp", 9ul, 2ull); }},
+        {0x28, [&] { return !SetVirtualMemoryData(9ul, region, name); }},
     };
-    for (std::size_t index = 0; index < table.size(); ++index) {
-        SCOPED_TRACE(index);
+    for (auto const& [rights, failed] : table) {
         fake::Processes().OpenProcess = [](DWORD, BOOL, DWORD) { return kHandle; };
-        table[index].failed();
+        failed();
         Calls const calls = fake::TakeCalls();
-        EXPECT_EQ(calls.front() + calls.back(), Open(table[index].rights, 9) + "CloseHandle(handle=0x44)");
+        EXPECT_EQ(calls.front() + calls.back(), OpenCall(rights, 9) + "CloseHandle(handle=0x44)");
         fake::Processes().OpenProcess = nullptr;
-        EXPECT_TRUE(table[index].failed());
-        Calls failed{Open(table[index].rights, 9), "GetLastError()"};
-        if (table[index].closesNull) failed.push_back("CloseHandle(handle=null)");
-        EXPECT_EQ(fake::TakeCalls(), failed);
+        EXPECT_TRUE(failed()) << calls.front();
+        EXPECT_EQ(fake::TakeCalls(), (Calls{OpenCall(rights, 9), "GetLastError()"}));
     }
-    EXPECT_TRUE(DoesProcessMatchProcessName(9ul, "")) << "a process that cannot be opened has the empty name";
+    // This one closes even the null handle: a process that cannot be opened
+    // has the empty name.
+    EXPECT_TRUE(DoesProcessMatchProcessName(9ul, "") && !DoesProcessMatchProcessName(9ul, "app.exe"));
+    EXPECT_EQ(fake::TakeCalls().at(2), "CloseHandle(handle=null)");
 }
 
 TEST_F(ProcessCalls, ProcessListAndNameForms)
@@ -132,12 +122,12 @@ TEST_F(ProcessCalls, ProcessListAndNameForms)
     fake::TakeCalls();
     EXPECT_TRUE(GetProcessExePath(ZKString("app.exe")) == Join("C:", "app.exe").c_str());
     EXPECT_EQ(fake::TakeCalls(),
-              (Calls{"WTSEnumerateProcessesA(server=null, reserved=0, version=1, "
-                     "processes=out, count=out)",
-                     "WTSFreeMemory(" + fake::Pointer(rows.data()) + ")", Open(0x410, 30),
+              (Calls{"WTSEnumerateProcessesA(server=null, reserved=0, version=1, processes=out, count=out)",
+                     "WTSFreeMemory(" + fake::Pointer(rows.data()) + ")", OpenCall(0x410, 30),
                      "K32GetModuleFileNameExA(0x44, module=null, buffer=out, size=260)", "CloseHandle(handle=0x44)"}));
     ZKContainer<ZKString> paths;
-    EXPECT_FALSE(GetProcessModuleNames(ZKString("nope.exe"), paths) || IsProcess64Bit(ZKString("nope.exe")));
+    ProcessPackageInfo package;
+    EXPECT_FALSE(GetProcessModuleNames(ZKString("nope.exe"), paths) || GetProcessPackageInfo(ZKString("x"), package));
     EXPECT_TRUE(SetProcessPriorityClass(ZKString("nope.exe"), ProcessPriorityIdle)) << "true for an unknown name";
     for (std::string const& call : fake::TakeCalls()) EXPECT_EQ(call.find("OpenProcess("), std::string::npos);
 }
@@ -155,14 +145,12 @@ TEST_F(ProcessCalls, ModulesPathsAndBitness)
     };
     fake::Processes().K32GetModuleFileNameExA = [](HANDLE, HINSTANCE__* module, char* buffer, DWORD) {
         auto const index = reinterpret_cast<std::uintptr_t>(module) / 0x10000;
-        if (index == 2) return DWORD{0};  // unreadable
-        std::string const path = Join("lib", "m" + std::to_string(index) + ".dll");
+        std::string const path = index == 2 ? "" : Join("lib", "m" + std::to_string(index) + ".dll");  // 2: unreadable
         std::memcpy(buffer, path.c_str(), path.size() + 1);
         return static_cast<DWORD>(path.size());
     };
     HINSTANCE__* found = Module(1);
-    EXPECT_TRUE(GetProcessModuleNames(kProcess, paths));
-    ASSERT_EQ(paths.GetItemCount(), 2u) << "the unreadable module is skipped";
+    EXPECT_TRUE(GetProcessModuleNames(kProcess, paths) && paths.GetItemCount() == 2) << "the unreadable one is skipped";
     EXPECT_TRUE(paths[1] == Join("lib", "m3.dll").c_str());
     EXPECT_TRUE(GetProcessModule(kProcess, ZKString("m3"), found) && found == Module(0x30000));
     EXPECT_FALSE(GetProcessModule(kProcess, ZKString("M3"), found));
@@ -191,8 +179,7 @@ TEST_F(ProcessCalls, ModulesPathsAndBitness)
             *wow = row[1];
             return 0;  // the call's result is not examined
         };
-        EXPECT_EQ(IsProcess32Bit(kProcess), row[2] != 0) << row[0] << "/" << row[1];
-        EXPECT_EQ(IsProcess64Bit(kProcess), row[3] != 0) << row[0] << "/" << row[1];
+        EXPECT_EQ(IsProcess32Bit(kProcess) * 2 + IsProcess64Bit(kProcess), row[2] * 2 + row[3]) << row[0] << row[1];
     }
 }
 
@@ -207,16 +194,17 @@ TEST_F(ProcessCalls, PrivilegesAndTheAdministratorTest)
         return 1;
     };
     TokenHandle const token{kHandle};
-    EXPECT_FALSE(AdjustPrivilege(token, "SeDebugPrivilege", false)) << "the token lacks it";
-    EXPECT_EQ(fake::TakeCalls().at(1), "AdjustTokenPrivileges(0x44, disableAll=0, count=1 [20.0:0], "
-                                       "bufferLength=16, "
-                                       "previous=null, returnLength=null)");
-    EXPECT_FALSE(AdjustPrivilege(token, "SeNoSuchPrivilege", true));
-    EXPECT_EQ(fake::TakeCalls().size(), 1u) << "an unknown name stops at the lookup";
+    EXPECT_FALSE(AdjustPrivilege(token, "SeNoSuchPrivilege", true) ||
+                 AdjustPrivilege(token, "SeDebugPrivilege", false));
     EXPECT_TRUE(AdjustAllPrivilege(token)) << "the nine-at-once form ignores partial success";
-    EXPECT_EQ(fake::TakeCalls().back(), "AdjustTokenPrivileges(0x44, disableAll=0, count=9 [20.0:2 14.0:2 "
-                                        "33.0:2 10.0:2 13.0:2 17.0:2 18.0:2 "
-                                        "19.0:2 9.0:2], bufferLength=0, previous=null, returnLength=null)");
+    EXPECT_EQ(fake::TakeCalls(),
+              (Calls{"LookupPrivilegeValueA(system=null, name=\"SeNoSuchPrivilege\", luid=out)",
+                     "LookupPrivilegeValueA(system=null, name=\"SeDebugPrivilege\", luid=out)",
+                     "AdjustTokenPrivileges(0x44, disableAll=0, count=1 [20.0:0], bufferLength=16, previous=null, "
+                     "returnLength=null)",
+                     "GetLastError()",
+                     "AdjustTokenPrivileges(0x44, disableAll=0, count=9 [20.0:2 14.0:2 33.0:2 10.0:2 13.0:2 17.0:2 "
+                     "18.0:2 19.0:2 9.0:2], bufferLength=0, previous=null, returnLength=null)"}));
 
     void* sid = nullptr;
     fake::Security().AllocateAndInitializeSid = [&](void** out) {
@@ -229,11 +217,10 @@ TEST_F(ProcessCalls, PrivilegesAndTheAdministratorTest)
         fake::SetLastErrorValue(5);
         return answer;
     };
+    std::string const allocate = "AllocateAndInitializeSid(authority=0.0.0.0.0.5, count=2, sub=32,544,0,0,0,0,0,0)";
+    auto const check = [&] { return "CheckTokenMembership(null, sid=" + fake::Pointer(sid) + ", member=out)"; };
     EXPECT_TRUE(IsAppRunningAsAdminMode());
-    EXPECT_EQ(fake::TakeCalls(), (Calls{"AllocateAndInitializeSid(authority=0.0.0.0.0.5, count=2, "
-                                        "sub=32,544,0,0,0,0,0,0)",
-                                        "CheckTokenMembership(null, sid=" + fake::Pointer(sid) + ", member=out)",
-                                        "FreeSid(" + fake::Pointer(sid) + ")"}));
+    EXPECT_EQ(fake::TakeCalls(), (Calls{allocate, check(), "FreeSid(" + fake::Pointer(sid) + ")"}));
     answer = 0;
     try {
         IsAppRunningAsAdminMode();
@@ -241,5 +228,122 @@ TEST_F(ProcessCalls, PrivilegesAndTheAdministratorTest)
     } catch (unsigned long code) {
         EXPECT_EQ(code, 5ul);
     }
-    EXPECT_EQ(fake::TakeCalls().back(), "FreeSid(" + fake::Pointer(sid) + ")") << "freed after the error was read";
+    EXPECT_EQ(fake::TakeCalls(), (Calls{allocate, check(), "GetLastError()", "FreeSid(" + fake::Pointer(sid) + ")"}));
+}
+
+TEST_F(MetricsCalls, CountersSchedulingAndAffinity)
+{
+    BOOL answer = 1;
+    fake::Processes().K32GetProcessMemoryInfo = [&](HANDLE, platform::ProcessMemoryCounters* counters) {
+        counters->PageFaultCount = 0xFFFFFFF0u;
+        ULONGLONG* sizes = &counters->PeakWorkingSetSize;
+        for (int index = 0; index < 8; ++index) sizes[index] = (ULONGLONG{1} << 40) + static_cast<ULONGLONG>(index);
+        return answer;
+    };
+    unsigned long long (*const counters[])(ProcessHandle) = {GetProcessPageFaultCount,
+                                                             GetProcessPeakWorkingSetSizeBytes,
+                                                             GetProcessWorkingSetSizeBytes,
+                                                             GetProcessQuotaPeakPagedPoolUsageBytes,
+                                                             GetProcessQuotaPagedPoolUsageBytes,
+                                                             GetProcessQuotaPeakNonPagedPoolUsageBytes,
+                                                             GetProcessQuotaNonPagedPoolUsageBytes,
+                                                             GetProcessPagefileUsageBytes,
+                                                             GetProcessPeakPagefileUsageBytes};
+    for (int index = 0; index < 9; ++index)
+        EXPECT_EQ(counters[index](kProcess), index == 0 ? 0xFFFFFFF0ull : (1ull << 40) + index - 1) << index;
+    EXPECT_EQ(fake::TakeCalls().at(8), "K32GetProcessMemoryInfo(0x44, counters=out, size=72)");
+    answer = 0;
+    for (auto counter : counters) EXPECT_EQ(counter(kProcess), 0u) << "a failed call gives 0, whatever it wrote";
+    fake::Processes().GetProcessWorkingSetSizeEx = [](HANDLE, ULONGLONG* minimum, ULONGLONG* maximum) {
+        *minimum = 200 * 4096;
+        *maximum = 1380 * 4096;
+        return 0;  // the result is not examined
+    };
+    EXPECT_EQ(GetProcessWorkingSetMinSizeBytes(kProcess) + 2 * GetProcessWorkingSetMaxSizeBytes(kProcess),
+              2960u * 4096);
+
+    // The library's classes 0 to 5 against the system's numbers.
+    DWORD const system[] = {256, 128, 32768, 32, 16384, 64};
+    DWORD current = 0x20 | 0x40;
+    fake::Processes().GetPriorityClass = [&](HANDLE) { return current; };
+    fake::Processes().SetPriorityClass = [&](HANDLE, DWORD value) {
+        current = value;
+        return value != 0 ? 1 : 0;
+    };
+    EXPECT_EQ(GetProcessPriorityClass(kProcess), ProcessPriorityUnknown);
+    for (int index = 0; index <= ProcessPriorityUnknown; ++index) {  // the unknown class sets 0, which fails
+        EXPECT_EQ(SetProcessPriorityClass(kProcess, static_cast<ProcessPriorityClass>(index)), index < 6);
+        EXPECT_EQ(current, index < 6 ? system[index] : 0);
+        EXPECT_EQ(GetProcessPriorityClass(kProcess), static_cast<ProcessPriorityClass>(index));
+    }
+
+    fake::Processes().GetProcessAffinityMask = [&](HANDLE, ULONGLONG* processMask, ULONGLONG* systemMask) {
+        *processMask = 0x5;
+        *systemMask = 0xF;
+        return answer;
+    };
+    unsigned long long process = 0x100, all = 0x100;
+    EXPECT_FALSE(GetProcessAffinity(kProcess, process) || GetSystemAffinity(all) || SetProcessAffinity(kProcess, 1));
+    EXPECT_EQ(process * 16 + all, 0x5Fu) << "stored even after a failure";
+    answer = 1;
+    EXPECT_TRUE(GetProcessAffinity(kProcess, process) && GetSystemAffinity(all));
+}
+
+TEST_F(MemoryCalls, WalkReadAndWrite)
+{
+    fake::System().GetNativeSystemInfo = [](platform::NativeSystemInfo* system) {
+        system->lpMaximumApplicationAddress = reinterpret_cast<void*>(0x3FFF);
+    };
+    // Regions of 0x1000 bytes at 0, 0x1000 and 0x3000; a query of 0x2000 fails.
+    fake::Memory().VirtualQueryEx = [](void const* address, platform::MemoryBasicInformation* region) {
+        auto const at = reinterpret_cast<unsigned long long>(address);
+        if (at == 0x2000 || at > 0x3000) return std::size_t{0};
+        region->BaseAddress = const_cast<void*>(address);
+        region->RegionSize = 0x1000;
+        region->Type = 0x20000;
+        return std::size_t{48};
+    };
+    ZKContainer<VirtualMemoryAddressInfo> out;
+    out.PushBack(VirtualMemoryAddressInfo());
+    ASSERT_TRUE(GetProcessVirtualMemoryAddresses(kProcess, out));
+    ASSERT_EQ(out.GetItemCount(), 5u) << "appended";
+    EXPECT_TRUE(out[3] == out[2]) << "a failed query repeats the previous region and moves on by its size";
+    EXPECT_TRUE(out[4].BaseAddress == 0x3000 && out[4].IsTypePrivate());
+    EXPECT_EQ(fake::TakeCalls().at(1), "VirtualQueryEx(0x44, address=0x0, information=out, length=48)");
+    fake::System().GetNativeSystemInfo = [](platform::NativeSystemInfo* system) {
+        system->lpMaximumApplicationAddress = reinterpret_cast<void*>(~0ull);
+    };
+    EXPECT_TRUE(GetProcessVirtualMemoryAddresses(kProcess, out));
+    EXPECT_EQ(out.GetItemCount(), 5u + 4u + 64u) << "64 failed queries in a row end the walk";
+
+    fake::System().GlobalMemoryStatusEx = [](platform::MemoryStatusEx* status) {
+        status->ullTotalPageFile = 1ull << 34;
+        return 1;
+    };
+    fake::Memory().ReadProcessMemory = [&](void const*, void* buffer, std::size_t size) {
+        std::memset(buffer, 'x', size / 2);
+        return 0;  // partly read
+    };
+    VirtualMemoryAddressInfo region;
+    region.BaseAddress = 0x5000;
+    ZKString text("old text that is long");
+    for (unsigned long long size : {8ull, (1ull << 34) + 1, ~0ull}) {  // the last two are refused, text untouched
+        region.RegionSize = size;
+        EXPECT_FALSE(GetVirtualMemoryData(kProcess, region, text));
+        EXPECT_EQ(std::string(text.GetString(), static_cast<std::size_t>(text.GetSize())), "xxxxtext");
+    }
+
+    std::string written;
+    fake::Memory().WriteProcessMemory = [&](void*, void const* buffer, std::size_t size) {
+        written.assign(static_cast<char const*>(buffer), size);
+        return 1;
+    };
+    region.RegionSize = 4;
+    ZKString const data("ab\0cdef", 7);
+    EXPECT_TRUE(SetVirtualMemoryData(kProcess, region, data));
+    EXPECT_EQ(written, std::string("ab\0c", 4)) << "RegionSize bytes, zero bytes included";
+    EXPECT_TRUE(SetVirtualMemoryData(kProcess, reinterpret_cast<unsigned char*>(0x9000), data, 7));
+    EXPECT_FALSE(SetVirtualMemoryData(kProcess, reinterpret_cast<unsigned char*>(0x9000), data, 8));
+    EXPECT_EQ(fake::TakeCalls().back(), "WriteProcessMemory(0x44, address=0x9000, buffer=out, size=7, done=null)")
+        << "nothing is read past the string";
 }

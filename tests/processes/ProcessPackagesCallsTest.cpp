@@ -1,15 +1,15 @@
 // Package identity through the fake backend: the name queries, the
-// packaged test, the two-step read of a package's description, and the road
-// from the manifest beside the executable to a resolved logo file.
+// packaged test, the two-step read of a package's description, the logo's
+// place in the manifest, and the road from the manifest beside the
+// executable to a resolved logo file.
 
-#include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <string>
 #include <vector>
 
 #include "FakeProcess.h"
 #include "files/TempFiles.h"
+#include "processes/detail/PackageManifest.h"
 
 namespace {
 
@@ -36,50 +36,40 @@ std::string Query(std::string const& call, int length, bool buffer)
     return call + "(0x44, length=" + std::to_string(length) + ", buffer=" + (buffer ? "out" : "null") + ")";
 }
 
-// A manifest whose application shows `logo`.
-std::string Manifest(std::string const& logo)
+std::string Manifest(std::string const& inside)
 {
-    std::string const application = "<Application><uap:VisualElements Square44x44Logo=\"" + logo + "\"/></Application>";
-    return "<Package><Applications>" + application + "</Applications></Package>";
+    return "<?xml version=\"1.0\"?><Package><Identity Name=\"Pkg\"/>" + inside + "</Package>";
 }
+std::string App(std::string const& inside) { return "<Application Id=\"App\">" + inside + "</Application>"; }
+std::string Visual(std::string const& logo) { return App("<uap:VisualElements " + logo + " DisplayName=\"App\"/>"); }
+std::string Apps(std::string const& inside) { return Manifest("<Applications>" + inside + "</Applications>"); }
 
+std::string Text(ZKString const& text) { return text.GetString(); }
 using PackageCalls = FakeTest;
+using ManifestLogo = FakeTest;
 
 }  // namespace
 
 TEST_F(PackageCalls, NamesQueryTheLengthThenReadWithIt)
 {
-    auto& script = fake::Packages().GetPackageFullName;
-    std::string const call = "GetPackageFullName";
+    std::string const call = "GetPackageFullName", family = "GetPackageFamilyName";
     for (LONG32 first : {122, 87, 0}) {  // only "no package" refuses
-        script = AnswerName("Pkg_1.0_x64__8wekyb", first);
+        fake::Packages().GetPackageFullName = AnswerName("Pkg_1.0_x64__8wekyb", first);
         ZKString out("old");
         EXPECT_TRUE(GetProcessPackageFullName(kProcess, out) && out == "Pkg_1.0_x64__8wekyb");
         EXPECT_EQ(fake::TakeCalls(), (Calls{Query(call, 0, false), Query(call, 20, true)}));
     }
-    script = AnswerName("ignored", platform::kAppModelErrorNoPackage);
-    ZKString out("old");
-    EXPECT_FALSE(GetProcessPackageFullName(kProcess, out) || GetProcessPackageFullName(ProcessHandle{}, out));
-    EXPECT_EQ(fake::TakeCalls(), (Calls{Query(call, 0, false)})) << "a null handle asks nothing";
-    fake::Packages().GetPackageFamilyName = AnswerName("", 122);  // a length of 0, a read that writes nothing
-    EXPECT_TRUE(GetProcessPackageFamilyName(kProcess, out) && out.IsEmpty());
-    EXPECT_EQ(fake::TakeCalls(),
-              (Calls{Query("GetPackageFamilyName", 0, false), Query("GetPackageFamilyName", 0, true)}));
-    fake::Packages().GetPackageFamilyName = nullptr;
     EXPECT_FALSE(IsProcessUniversalWindowsPlatform(kProcess)) << "a full name alone does not count";
-
-    // The identifier forms give false when the process does not open, and
-    // open it with query rights.
-    ProcessPackageInfo info;
-    EXPECT_FALSE(IsProcessUniversalWindowsPlatform(9ul) || GetProcessPackageFullName(9ul, out) ||
-                 GetProcessPackageFamilyName(9ul, out) || GetProcessPackageInfo(9ul, info));
-    fake::Packages().GetPackageFamilyName = AnswerName("Family", 122);
-    fake::Processes().OpenProcess = [](DWORD, BOOL, DWORD) { return kHandle; };
+    fake::Packages().GetPackageFullName = AnswerName("ignored", platform::kAppModelErrorNoPackage);
+    fake::Packages().GetPackageFamilyName = AnswerName("", 122);  // a length of 0, a read that writes nothing
+    ZKString out("old");
     fake::TakeCalls();
-    EXPECT_TRUE(IsProcessUniversalWindowsPlatform(9ul));
-    EXPECT_EQ(fake::TakeCalls(),
-              (Calls{"OpenProcess(access=0x400, inherit=0, pid=9)", Query("GetPackageFamilyName", 0, false),
-                     Query("GetPackageFamilyName", 7, true), "CloseHandle(handle=0x44)"}));
+    EXPECT_FALSE(GetProcessPackageFullName(kProcess, out) || GetProcessPackageFullName(ProcessHandle{}, out));
+    EXPECT_TRUE(GetProcessPackageFamilyName(kProcess, out) && out.IsEmpty() &&
+                IsProcessUniversalWindowsPlatform(kProcess));
+    EXPECT_EQ(fake::TakeCalls(), (Calls{Query(call, 0, false), Query(family, 0, false), Query(family, 0, true),
+                                        Query(family, 0, false), Query(family, 0, true)}))
+        << "a null handle asks nothing";
 }
 
 TEST_F(PackageCalls, PackageInfoReadsTwiceAndTheSecondCallDecides)
@@ -149,62 +139,66 @@ TEST_F(PackageCalls, PackageInfoReadsTwiceAndTheSecondCallDecides)
     EXPECT_EQ(fake::TakeCalls().size(), 2u);
 }
 
-TEST_F(PackageCalls, ManifestLogoIsResolvedInPlaceWithOneDoubledRetry)
+TEST_F(PackageCalls, LogoIsResolvedInPlaceWithOneDoubledRetry)
 {
-    // A packaged process whose executable lies in a directory of its own,
-    // with no package description: the package name stays empty.
+    // A packaged process without a package description (the package name
+    // stays empty), with the manifest beside its executable.
     zk64::test::TempDir const dir("logo");
-    std::string const exePath = dir.Path("App.exe"), manifest = dir.Dir() + "\\AppxManifest.xml";
+    std::string const manifest = dir.Dir() + "\\AppxManifest.xml", resolved = "C:\\Logo.png";
+    std::ofstream(manifest, std::ios::binary) << Apps(Visual("Square44x44Logo=\"Assets\\Logo.png\""));
+    ScriptExePath(dir.Path("App.exe"));
     fake::Packages().GetPackageFamilyName = AnswerName("Pkg_pub", 122);
     fake::Packages().GetPackageFullName = AnswerName("Pkg_1.0.0.0_x64__pub", 122);
-    fake::Processes().K32GetModuleFileNameExA = [&](HANDLE, HINSTANCE__*, char* buffer, DWORD size) {
-        std::strncpy(buffer, exePath.c_str(), size);
-        return static_cast<DWORD>(exePath.size());
-    };
-    // Resolves when the output has room, as the shell does, unless told to
-    // fail by `answers`.
+    std::string const resource = "@{Pkg_1.0.0.0_x64__pub?ms-resource:///Files/Assets/Logo.png}";
     std::vector<HRESULT32> answers;
-    std::string resolved = "C:\\Apps\\Pkg\\Assets\\Logo.scale-100.png";
-    fake::Packages().SHLoadIndirectString = [&](WCHAR const*, WCHAR* output, unsigned int size) -> HRESULT32 {
+    fake::Packages().SHLoadIndirectString = [&](WCHAR const*, WCHAR* output, unsigned int) -> HRESULT32 {
         HRESULT32 const answer = answers.at(0);
         answers.erase(answers.begin());
-        if (answer != 0 || resolved.size() >= size) return answer != 0 ? answer : platform::kHresultInsufficientBuffer;
-        std::copy(resolved.c_str(), resolved.c_str() + resolved.size() + 1, output);
-        return 0;
+        if (answer == 0) std::copy(resolved.c_str(), resolved.c_str() + resolved.size() + 1, output);
+        return answer;
     };
-    auto const road = [&](std::string const& content, std::vector<HRESULT32> const& told) {
-        std::ofstream(manifest, std::ios::binary) << content;
-        answers = told;
-        return std::string(GetUniversalWindowsPlatformIconPath(kProcess).GetString());
-    };
-    auto const resolving = [](std::string const& resource, std::size_t tries) {  // the last calls, in place
-        Calls const calls = fake::TakeCalls();
-        Calls expected;
-        for (std::size_t size = resource.size() + 1; expected.size() < tries; size *= 2)
-            expected.push_back("SHLoadIndirectString(\"" + resource +
-                               "\", output=source, size=" + std::to_string(size) + ", reserved=null)");
-        return Calls(calls.end() - static_cast<std::ptrdiff_t>(std::min(tries, calls.size())), calls.end()) == expected;
-    };
-
     HRESULT32 const small = platform::kHresultInsufficientBuffer, fail = static_cast<HRESULT32>(0x80004005U);
     std::pair<std::vector<HRESULT32>, bool> const rows[] = {
         {{0}, true}, {{small, 0}, true}, {{small, small}, false}, {{fail}, false}, {{small, fail}, false}};
     for (auto const& [told, found] : rows) {
-        EXPECT_EQ(road(Manifest("Assets\\Logo.png"), told), found ? resolved : "");
-        EXPECT_TRUE(resolving("@{Pkg_1.0.0.0_x64__pub?ms-resource:///Files/Assets/Logo.png}", told.size()));
-        EXPECT_TRUE(answers.empty());
+        answers = told;
+        EXPECT_EQ(Text(GetUniversalWindowsPlatformIconPath(kProcess)), found ? resolved : "");
+        Calls const calls = fake::TakeCalls();
+        Calls expected;  // in place, in a buffer of the string's size, then of twice that
+        for (std::size_t size = resource.size() + 1; expected.size() < told.size(); size *= 2)
+            expected.push_back("SHLoadIndirectString(\"" + resource +
+                               "\", output=source, size=" + std::to_string(size) + ", reserved=null)");
+        EXPECT_EQ(Calls(calls.end() - static_cast<std::ptrdiff_t>(told.size()), calls.end()), expected);
     }
-    // Without a logo the resource string is still resolved; a long logo
-    // resolves only in the doubled buffer.
-    EXPECT_EQ(road("<broken", {0}), resolved);
-    EXPECT_TRUE(resolving("@{Pkg_1.0.0.0_x64__pub?ms-resource:///Files/}", 1));
-    std::string const logo(300, 'L');
-    resolved = "C:\\Apps\\Pkg\\Assets\\" + logo + logo + ".png";
-    EXPECT_EQ(road(Manifest(logo), {0, 0}), resolved);
     // Not packaged: nothing beyond the family-name query.
     fake::Packages().GetPackageFamilyName = nullptr;
-    fake::TakeCalls();
-    EXPECT_EQ(road("", {}), "");
+    EXPECT_EQ(Text(GetUniversalWindowsPlatformIconPath(kProcess)), "");
     EXPECT_EQ(fake::TakeCalls(), (Calls{"GetPackageFamilyName(0x44, length=0, buffer=null)"}));
     std::filesystem::remove(manifest);
+}
+
+TEST_F(ManifestLogo, FirstElementsOnTheFixedPathDecideAndSlashesTurnForward)
+{
+    std::string const logo = "Square44x44Logo=\"a.png\"";
+    std::pair<std::string, char const*> const rows[] = {
+        {Apps(Visual("Square44x44Logo=\"Assets\\Logo.png\"")), "Assets\\Logo.png"},
+        {"<Other><Applications>" + Visual(logo) + "</Applications></Other>", "a.png"},  // a root of any name
+        {Apps(Visual(logo) + Visual("Square44x44Logo=\"b.png\"")), "a.png"},
+        {Apps(App("") + Visual(logo)), ""},  // the first Application decides
+        {Apps("<Extensions/>" + App("<Resources/><uap:VisualElements Square150x150Logo=\"b.png\" " + logo + "/>")),
+         "a.png"},
+        {Apps(App("<VisualElements " + logo + "/>")), ""},  // no uap prefix
+        {Apps(""), ""},
+        {Manifest("<Wrapper><Applications>" + Visual(logo) + "</Applications></Wrapper>"), ""},
+        {Apps(Visual(logo)).substr(0, 150), ""},  // malformed
+    };
+    zk64::test::TempDir const dir("manifest");
+    for (auto const& [content, found] : rows) {
+        EXPECT_STREQ(zk64::detail::ManifestLogo(dir.Write("AppxManifest.xml", content).c_str()).GetString(), found)
+            << content;
+    }
+    EXPECT_STREQ(zk64::detail::ManifestLogo(dir.Path("missing.xml").c_str()).GetString(), "");
+    using zk64::detail::LogoResourceString;
+    EXPECT_STREQ(LogoResourceString("F", "N", "\\a/b\\\\c").GetString(), "@{F?ms-resource://N/Files//a/b//c}");
+    EXPECT_STREQ(LogoResourceString("", "", "").GetString(), "@{?ms-resource:///Files/}");
 }

@@ -17,24 +17,19 @@ namespace {
 std::string Text(ZKString const& text) { return text.GetString(); }
 }  // namespace
 
-TEST(Processes, OwnProcessNamesModulesMemoryAndMetrics)
+TEST(Processes, OwnProcessNamesModulesAndMemory)
 {
     unsigned long const pid = GetCurrentProcessID();
     std::string const exe = Text(GetCurrentProcessExePath());
     ProcessHandle const process = OpenProcessHandle(pid, 0x408);
-    ASSERT_TRUE(process.handle != nullptr && !exe.empty());
     ZKString name;
-    EXPECT_TRUE(GetProcessName(process, name) && DoesProcessMatchProcessName(pid, name.GetString()));
+    ASSERT_TRUE(process.handle != nullptr && GetProcessName(process, name) && !exe.empty());
     EXPECT_EQ(Text(GetProcessExeDirectory(pid)) + exe[exe.size() - name.GetSize() - 1] + Text(name), exe);
-    EXPECT_TRUE(GetProcessID(process) == pid && !DoesProcessMatchProcessName(pid, exe.c_str()));
+    EXPECT_TRUE(GetProcessID(process) == pid && IsProcess64Bit(process) && !IsProcess32Bit(process));
     ZKContainer<HINSTANCE__*> modules;
     ASSERT_TRUE(GetProcessModules(process, modules) && modules.GetItemCount() > 2);
     EXPECT_EQ(modules[0], GetCurrentProcessExeHINSTANCE()) << "the executable's module comes first";
-    HINSTANCE__* library = nullptr;
-    EXPECT_TRUE(GetProcessModule(pid, ZKString(RunningUnderWine() ? "zk64.dll" : "libzk64"), library) && library);
-    EXPECT_TRUE(IsProcess64Bit(process) && !IsProcess32Bit(process) && IsCurrentProcess64Bit());
     EXPECT_TRUE(GetProcessWorkingSetSizeBytes(pid) > (1u << 20) && GetProcessPagefileUsageBytes(process) > 0);
-    EXPECT_EQ(GetProcessNumOfHandles(pid) >= 3, !RunningUnderWine()) << "Wine reports no handles";
     CloseProcessHandle(process);
 
     // The walk tiles the address range from 0 in ascending order.
@@ -53,20 +48,16 @@ TEST(Processes, OwnProcessNamesModulesMemoryAndMetrics)
     EXPECT_TRUE(walk[0].IsStateFree() && part.IsStateCommit() && part.IsProtectReadWrite());
     part.BaseAddress = address;
     part.RegionSize = 4;
-    EXPECT_TRUE(SetVirtualMemoryData(pid, part, ZKString("0123456789", 10)));
-    EXPECT_EQ(std::string(buffer.data(), 5), "0123a");
     ZKString bytes;
+    EXPECT_TRUE(SetVirtualMemoryData(pid, part, ZKString("0123456789", 10)));
     ASSERT_TRUE(GetVirtualMemoryData(GetCurrentProcessHandle(), part, bytes));
-    EXPECT_EQ(std::string(bytes.GetString(), static_cast<std::size_t>(bytes.GetSize())), "0123");
-    part.RegionSize = 1ull << 40;
-    EXPECT_FALSE(GetVirtualMemoryData(pid, part, bytes)) << "more than the machine has";
+    EXPECT_EQ(std::string(bytes.GetString(), static_cast<std::size_t>(bytes.GetSize())) + buffer[4], "0123a");
 }
 
 TEST(Processes, ChildAndBadIdentifiers)
 {
     ChildProcess child;
     unsigned long const pid = child.Pid();
-    ZKString const fileName(ChildProcess::FileName().c_str());
     ZKContainer<ZKString> paths;
     for (int attempt = 0; attempt < 200 && paths.GetItemCount() < 2; ++attempt) {
         paths = ZKContainer<ZKString>();
@@ -74,18 +65,15 @@ TEST(Processes, ChildAndBadIdentifiers)
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     }
     ASSERT_GT(paths.GetItemCount(), 1u) << "the loader has mapped the child's modules";
-    EXPECT_TRUE(Text(paths[0]) == ChildProcess::Path() && DoesProcessMatchProcessName(pid, fileName.GetString()));
+    EXPECT_TRUE(Text(paths[0]) == ChildProcess::Path() &&
+                DoesProcessMatchProcessName(pid, ChildProcess::FileName().c_str()));
     ZKContainer<ProcessInfo> list;
     ASSERT_TRUE(GetAllProcesses(list));
-    EXPECT_EQ(GetProcessID(fileName), list.GetItemCount() == 0 ? 0 : pid) << "Wine lists no process at all";
-    for (int index = 0; index <= 5; ++index) {
-        EXPECT_TRUE(SetProcessPriorityClass(pid, static_cast<ProcessPriorityClass>(index)));
-        EXPECT_EQ(GetProcessPriorityClass(pid), static_cast<ProcessPriorityClass>(index));
-    }
-    unsigned long long system = 0, mask = 0;
-    ASSERT_TRUE(GetSystemAffinity(system) && GetProcessAffinity(pid, mask));
-    EXPECT_TRUE(SetProcessAffinity(pid, system & (~system + 1)) && GetProcessAffinity(pid, mask));
-    EXPECT_EQ(mask, system & (~system + 1));
+    EXPECT_EQ(GetProcessID(ZKString(ChildProcess::FileName().c_str())), list.GetItemCount() == 0 ? 0 : pid)
+        << "Wine lists no process at all";
+    EXPECT_TRUE(SetProcessPriorityClass(pid, ProcessPriorityHigh) && SetProcessAffinity(pid, 1));
+    unsigned long long mask = 0;
+    EXPECT_TRUE(GetProcessPriorityClass(pid) == ProcessPriorityHigh && GetProcessAffinity(pid, mask) && mask == 1);
     EXPECT_FALSE(SetProcessAffinity(pid, 0)) << "an empty mask is refused";
 
     std::string const dump = Text(GetCurrentProcessExeDirectory()) + "/zk64-child.dmp";
@@ -94,27 +82,11 @@ TEST(Processes, ChildAndBadIdentifiers)
         << "the bits above the low 32 never reach the system";
     EXPECT_FALSE(CreateProcessDumpFile(dump.c_str(), ProcessHandle{}, 0));
     EXPECT_EQ(std::fopen(dump.c_str(), "rb"), nullptr) << "a failed dump leaves no file, not even the one it replaced";
-    ProcessPackageInfo none;
-    EXPECT_FALSE(IsProcessUniversalWindowsPlatform(pid) || GetProcessPackageInfo(pid, none)) << "no package";
-    EXPECT_TRUE(GetUniversalWindowsPlatformIconPath(pid).IsEmpty() && GetProcessIcon(pid) == nullptr);
+    EXPECT_TRUE(GetUniversalWindowsPlatformIconPath(pid).IsEmpty() && GetProcessIcon(pid) == nullptr) << "no package";
     child.Stop();
-    EXPECT_TRUE(GetProcessExePath(pid).IsEmpty());
-
     ZKString kept("kept");
-    ZKContainer<HINSTANCE__*> modules;
-    ProcessPackageInfo info;
-    unsigned long long kept64 = 0x5A;
-    for (unsigned long bad : {0ul, 0x7FFFFFF0ul}) {
-        EXPECT_FALSE(GetProcessModules(bad, modules) || GetProcessName(bad, kept) || IsProcess64Bit(bad) ||
-                     SetProcessAffinity(bad, 1) || GetProcessAffinity(bad, kept64) ||
-                     IsProcessUniversalWindowsPlatform(bad) || GetProcessPackageFamilyName(bad, kept) ||
-                     GetProcessPackageInfo(bad, info));
-        EXPECT_EQ(GetProcessPriorityClass(bad), ProcessPriorityUnknown);
-    }
-    EXPECT_TRUE(kept == "kept" && kept64 == 0x5A && modules.GetItemCount() == 0);
-    ZKString const unknown("zk64 no such process");
-    EXPECT_FALSE(IsProcessUniversalWindowsPlatform(unknown) || GetProcessPackageFullName(unknown, kept) ||
-                 GetProcessPackageFamilyName(unknown, kept) || GetProcessPackageInfo(unknown, info));
+    EXPECT_FALSE(GetProcessName(0ul, kept) || GetProcessName(0x7FFFFFF0ul, kept) || IsProcess64Bit(0x7FFFFFF0ul));
+    EXPECT_TRUE(kept == "kept" && GetProcessExePath(pid).IsEmpty());
     EXPECT_TRUE(ExecuteShellProcess(ZKString(ChildProcess::Path().c_str()), ZKString("--exit"), false));
     EXPECT_FALSE(ExecuteShellProcess(ZKString("zk64-no-such-program-anywhere"), ZKString(""), false));
 }
