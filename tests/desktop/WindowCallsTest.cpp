@@ -6,13 +6,11 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
-#include <map>
 #include <string>
 #include <tuple>
 #include <vector>
 
 #include "desktop/detail/ShellState.h"
-#include "desktop/detail/WindowMessageTable.h"
 #include "processes/FakeProcess.h"
 
 namespace {
@@ -324,34 +322,4 @@ TEST(ShellInterfaces, CreatedOnceAndTheLastReleaseUninitialises)
               (Calls{"CoInitialize(null)", Created(2), Created(2), Created(2), Created(0), Released(2), Released(0),
                      "CoUninitialize()", Created(1), Released(1), "CoUninitialize()"}));
     zk64::detail::ResetShellInterfaces();
-}
-
-TEST(MessageNames, EverySixteenBitNumberAndTheHighBitsAroundIt)
-{
-    // Names are the first table row of a number; every other number is its
-    // signed decimal, and only the low 32 bits of the argument count. All
-    // 2^32 numbers would take most of an hour: every 16-bit number (where the
-    // table lies) is asked, and each of them again with high bits set.
-    std::map<std::uint32_t, std::string> names;
-    for (auto const& row : zk64::detail::WindowMessageNames()) names.emplace(row.number, row.name);
-    ASSERT_LT(names.rbegin()->first, 0x10000u);
-    std::size_t named = 0;
-    for (std::uint32_t number = 0; number <= 0xFFFF; ++number) {
-        auto const found = names.find(number);
-        std::string const expected =
-            found != names.end() ? found->second
-                                 : "Unknown Windows message: " + std::to_string(static_cast<std::int32_t>(number));
-        named += found != names.end();
-        ASSERT_EQ(GetWindowsMessageIDStr(number).GetString(), expected) << number;
-        for (std::uint32_t high : {0x10000u, 0x7FFF0000u, 0x80000000u, 0xFFFF0000u}) {
-            std::uint32_t const wide = number | high;
-            ASSERT_EQ(GetWindowsMessageIDStr(wide).GetString(),
-                      "Unknown Windows message: " + std::to_string(static_cast<std::int32_t>(wide)));
-        }
-        if constexpr (sizeof(unsigned long) == 8) {
-            auto const above = static_cast<unsigned long>(std::uint64_t{number} | std::uint64_t{0xABCD} << 32);
-            ASSERT_EQ(GetWindowsMessageIDStr(above).GetString(), expected);
-        }
-    }
-    EXPECT_EQ(named, names.size());
 }
