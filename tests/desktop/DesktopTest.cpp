@@ -31,7 +31,7 @@ TEST(MessageNames, EveryNumberIsANameOrItsSignedDecimal)
         std::string const text = GetWindowsMessageIDStr(number).GetString();
         bool const name = text != unknown(number);
         named += name;
-        EXPECT_TRUE(!name || text.find_first_not_of("ABCDEFGHIJKLMNOPQRSTUVWXYZ_0123456789") == std::string::npos);
+        EXPECT_TRUE(!name || text.find_first_not_of("ABCDEFGHIJKLMNOPQRSTUVWXYZ_0123456789") == std::string::npos) << text;
         for (std::uint32_t high : {0x10000u, 0x80000000u, 0xFFFF0000u})
             ASSERT_EQ(GetWindowsMessageIDStr(number | high).GetString(), unknown(number | high));
         auto const above = static_cast<unsigned long>(std::uint64_t{number} | std::uint64_t{0xABCD} << 32);
