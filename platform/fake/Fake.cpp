@@ -126,6 +126,7 @@ void Reset()
     }
     fallibleCalls = 0;
     failingCall = 0;
+    failedCall.clear();
     SetLastErrorValue(0);
 }
 

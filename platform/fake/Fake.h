@@ -186,7 +186,7 @@ void Reset();
 // error the real call sets for its usual failure. FailCall(0) disarms.
 void FailCall(unsigned long n);
 unsigned long FallibleCalls();
-// The name of the call that failed last on this thread.
+// The name of the call that failed on this thread since Reset; empty if none.
 std::string FailedCall();
 // For the fake operations: whether the call being made is the one to fail
 // (it then sets the last error).
