@@ -272,7 +272,9 @@ void ScriptDesktop()
     desktop.GetAncestor = [](HWND, platform::UINT) { return Window(0x12); };
     desktop.GetWindow = [](HWND, platform::UINT) { return Window(0x13); };
     desktop.GetWindowLongPtrA = [](HWND, int) { return platform::LONG_PTR{0x10000000}; };
-    desktop.GetClassLongPtrA = [](HWND, int) { return platform::ULONG_PTR{0x500}; };
+    // The icon comes from the last source asked, and the window is maximized:
+    // the longest road through each.
+    desktop.GetClassLongPtrA = [](HWND, int index) { return platform::ULONG_PTR{index == -34 ? 0x500u : 0u}; };
     desktop.GetCurrentThreadId = [] { return DWORD{7}; };
     desktop.GetThreadDesktop = [](DWORD) { return reinterpret_cast<platform::HDESK>(0x66); };
     desktop.EnumDesktopWindows = [](platform::HDESK, platform::WindowEnumProc callback, platform::LPARAM data) {
@@ -285,7 +287,7 @@ void ScriptDesktop()
     desktop.GetWindowTextA = [](HWND, char* buffer, int size) { return CopyText("Title", buffer, std::size_t(size)); };
     desktop.SendMessageTimeoutA = [](HWND, platform::UINT, platform::WPARAM, platform::LPARAM, platform::UINT,
                                      platform::UINT, platform::ULONG_PTR* result) {
-        *result = 0x600;
+        *result = 0;
         return platform::LRESULT{1};
     };
     auto const yes = [](HWND) { return BOOL{1}; };
@@ -295,7 +297,7 @@ void ScriptDesktop()
     desktop.ShowWindow = [](HWND, int) { return BOOL{1}; };
     desktop.SetWindowPos = [](HWND, HWND, int, int, int, int, platform::UINT) { return BOOL{1}; };
     desktop.GetWindowPlacement = [](HWND, platform::WindowPlacement* placement) {
-        placement->showCmd = 1;
+        placement->showCmd = 3;
         placement->rcNormalPosition = {10, 20, 110, 220};
         return BOOL{1};
     };
@@ -401,6 +403,13 @@ Row Op(std::string name, Call call, Args... args)
     } else {
         return {std::move(name), [=] { return Show(call(args...)); }, {Show(Result{})}};
     }
+}
+
+// `row`, which may also answer `failure`.
+Row Or(Row row, std::string failure)
+{
+    row.failures.push_back(std::move(failure));
+    return row;
 }
 
 // Runs `call` with a fresh out argument and shows its answer and the argument.
@@ -607,11 +616,12 @@ std::vector<Row> DesktopRows()
         Op("IsWindowMaximized", IsWindowMaximized, kWindow),
         Op("IsWindowUniversalWindowsPlatform", IsWindowUniversalWindowsPlatform, kWindow),
         Op("IsInvisibleWin10BackgroundAppWindow", IsInvisibleWin10BackgroundAppWindow, kWindow),
-        Op("GetWindowPosSize", GetWindowPosSize, kWindow),
-        Op("GetWindowPosX", GetWindowPosX, kWindow),
-        Op("GetWindowPosY", GetWindowPosY, kWindow),
-        Op("GetWindowWidth", GetWindowWidth, kWindow),
-        Op("GetWindowHeight", GetWindowHeight, kWindow),
+        // A maximized window whose monitor cannot be read reports its normal place.
+        Or(Op("GetWindowPosSize", GetWindowPosSize, kWindow), "10,20,100,200;"),
+        Or(Op("GetWindowPosX", GetWindowPosX, kWindow), "10;"),
+        Or(Op("GetWindowPosY", GetWindowPosY, kWindow), "20;"),
+        Or(Op("GetWindowWidth", GetWindowWidth, kWindow), "100;"),
+        Or(Op("GetWindowHeight", GetWindowHeight, kWindow), "200;"),
         Op("SetWindowPosSize", SetWindowPosSize, kWindow, __ZKRect<int>(1, 2, 30, 40)),
         Op("SetWindowPosX", SetWindowPosX, kWindow, 50),
         Op("SetWindowPosY", SetWindowPosY, kWindow, 50),
