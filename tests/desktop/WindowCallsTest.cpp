@@ -69,8 +69,7 @@ TEST_F(WindowCalls, ListsAndProcessWindows)
     EXPECT_EQ(items, "0x30 0x30 0x20 0x22 0x20 0x22 0x20 0x21 0x22 ");
     EXPECT_EQ(fake::TakeCalls().at(6), "GetWindowThreadProcessId(window=0x21, pid=out)");
     EXPECT_TRUE(!GetProcessHWNDS(42ul, out) && GetProcessOwnerHWND(42ul) == nullptr) << "the open fails";
-    EXPECT_EQ(fake::TakeCalls(), (Calls{"OpenProcess(access=0x410, inherit=0, pid=42)", "GetLastError()",
-                                        "OpenProcess(access=0x400, inherit=0, pid=42)", "GetLastError()"}));
+    EXPECT_EQ(fake::TakeCalls(), (Calls{OpenCall(0x410, 42), "GetLastError()", OpenCall(0x400, 42), "GetLastError()"}));
     fake::Processes().OpenProcess = [](DWORD, BOOL, DWORD) { return kHandle; };
     EXPECT_EQ(GetProcessOwnerHWND(42ul), Window(0x22)) << "the first window without an owner";
     EXPECT_EQ(fake::TakeCalls().back(), "CloseHandle(handle=0x44)");
@@ -173,8 +172,8 @@ TEST_F(WindowCalls, Classification)
     }
     EXPECT_EQ(fake::TakeCalls().back(), "DwmGetWindowAttribute" + kOn + ", attribute=14, value=out, size=4)");
     EXPECT_FALSE(IsWindowUniversalWindowsPlatform(nullptr) || IsWindowUniversalWindowsPlatform(kWindow));
-    EXPECT_EQ(fake::TakeCalls(), (Calls{"GetWindowThreadProcessId" + kOn + ", pid=out)",
-                                        "OpenProcess(access=0x400, inherit=0, pid=0)", "GetLastError()"}));
+    EXPECT_EQ(fake::TakeCalls(),
+              (Calls{"GetWindowThreadProcessId" + kOn + ", pid=out)", OpenCall(0x400, 0), "GetLastError()"}));
 }
 
 TEST_F(WindowCalls, PlacementArithmetic)

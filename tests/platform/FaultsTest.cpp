@@ -731,17 +731,19 @@ std::vector<Row> FileAndSystemRows()
     return rows;
 }
 
+// The items of an answer: what stands between brackets, commas and semicolons.
 std::vector<std::string> Items(std::string const& answer)
 {
-    std::vector<std::string> items(1);
-    for (char c : answer) {
+    std::vector<std::string> items;
+    std::string item;
+    for (char c : answer + ';') {
         if (std::strchr("[],;", c) == nullptr) {
-            items.back() += c;
-        } else if (!items.back().empty()) {
-            items.emplace_back();
+            item += c;
+        } else if (!item.empty()) {
+            items.push_back(std::move(item));
+            item.clear();
         }
     }
-    items.pop_back();
     return items;
 }
 
